@@ -1,0 +1,127 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace zentable {
+
+// A cell of a table: one of six kinds. The virtual operations stay in the
+// order the host binding expects of a cell.
+class CellValue {
+  public:
+    enum Kind : unsigned char {
+        narrow_string = 0,
+        wide_string = 1,
+        number = 2,
+        boolean = 3,
+        error = 4,
+        empty = 5,
+    };
+
+    virtual bool IsAString() const = 0;
+    virtual bool IsAWstring() const = 0;
+    virtual bool IsString() const = 0;
+    virtual bool IsANumber() const = 0;
+    virtual bool IsBoolean() const = 0;
+    virtual bool IsEmpty() const = 0;
+    virtual bool IsError() const = 0;
+
+    virtual const std::string& StringValue() const = 0;
+    virtual const std::u16string& WstringValue() const = 0;
+    virtual double NumericValue() const = 0;
+    virtual bool BooleanValue() const = 0;
+    virtual unsigned long ErrorValue() const = 0;
+
+    virtual operator std::string() const = 0;
+    virtual operator std::u16string() const = 0;
+    virtual operator bool() const = 0;
+    virtual operator double() const = 0;
+    virtual operator unsigned long() const = 0;
+
+    virtual void clear() = 0;
+    virtual ~CellValue() = default;
+
+    // Assignment replaces kind and payload. An unsigned long error code needs
+    // the explicit ErrorCode wrapper: a plain unsigned long makes a number.
+    struct ErrorCode {
+        unsigned long code;
+    };
+    virtual CellValue& operator=(ErrorCode e) = 0;
+    virtual CellValue& operator=(int i) = 0;
+    virtual CellValue& operator=(bool b) = 0;
+    virtual CellValue& operator=(unsigned long u) = 0;
+    virtual CellValue& operator=(double d) = 0;
+    virtual CellValue& operator=(const std::u16string& s) = 0;
+    virtual CellValue& operator=(const std::string& s) = 0;
+
+    CellValue& operator=(const char* s) { return *this = std::string(s); }
+    // Other integer widths would be ambiguous among the overloads above; all of
+    // them make a number.
+    CellValue& operator=(unsigned int u) { return *this = static_cast<unsigned long>(u); }
+    CellValue& operator=(long i) { return *this = static_cast<double>(i); }
+    CellValue& operator=(long long i) { return *this = static_cast<double>(i); }
+    CellValue& operator=(unsigned long long u) { return *this = static_cast<double>(u); }
+    // Copies whatever the other cell holds, whatever its implementation.
+    CellValue& operator=(const CellValue& other);
+
+    virtual Kind kind() const = 0;
+};
+
+class MJCellValue final : public CellValue {
+  public:
+    MJCellValue() = default;
+    MJCellValue(const MJCellValue& other);
+    MJCellValue(MJCellValue&& other) noexcept;
+    explicit MJCellValue(const std::string& s) { *this = s; }
+    explicit MJCellValue(const char* s) { *this = std::string(s); }
+    explicit MJCellValue(const std::u16string& s) { *this = s; }
+    explicit MJCellValue(double d) { *this = d; }
+    explicit MJCellValue(int i) { *this = i; }
+    explicit MJCellValue(bool b) { *this = b; }
+    MJCellValue& operator=(const MJCellValue& other);
+    MJCellValue& operator=(MJCellValue&& other) noexcept;
+
+    bool IsAString() const override { return kind_ == narrow_string; }
+    bool IsAWstring() const override { return kind_ == wide_string; }
+    bool IsString() const override { return kind_ == narrow_string || kind_ == wide_string; }
+    bool IsANumber() const override { return kind_ == number; }
+    bool IsBoolean() const override { return kind_ == boolean; }
+    bool IsEmpty() const override { return kind_ == empty; }
+    bool IsError() const override { return kind_ == error; }
+
+    const std::string& StringValue() const override;
+    const std::u16string& WstringValue() const override;
+    double NumericValue() const override;
+    bool BooleanValue() const override;
+    unsigned long ErrorValue() const override;
+
+    operator std::string() const override { return StringValue(); }
+    operator std::u16string() const override { return WstringValue(); }
+    operator bool() const override { return BooleanValue(); }
+    operator double() const override { return NumericValue(); }
+    operator unsigned long() const override;
+
+    void clear() override;
+
+    using CellValue::operator=;
+    CellValue& operator=(ErrorCode e) override;
+    CellValue& operator=(int i) override;
+    CellValue& operator=(bool b) override;
+    CellValue& operator=(unsigned long u) override;
+    CellValue& operator=(double d) override;
+    CellValue& operator=(const std::u16string& s) override;
+    CellValue& operator=(const std::string& s) override;
+
+    Kind kind() const override { return kind_; }
+
+  private:
+    Kind kind_ = empty;
+    double number_ = 0.0;  // number, boolean (0 or 1) or error code
+    // Narrow text; for a wide cell, its narrowed copy, made on first read.
+    mutable std::string text_;
+    mutable bool narrowed_ = false;
+    // Wide text; for a narrow cell, its widened copy, made on first read.
+    mutable std::unique_ptr<std::u16string> wide_;
+};
+
+}  // namespace zentable
