@@ -318,6 +318,10 @@ TEST(LinearReg, LinearRelationshipsAreReportedInsteadOfAFit) {
                 relation == " - 0.414039 * a + 0.414039 * b = 0")
         << relation;
     EXPECT_EQ(model_list<linearRegModel>().size(), models_before);
+    // Weights do not enter the rank test.
+    const CellMatrix weighted = linear_reg(x, y, column("w", {1, 2, 3, 1, 2, 3}), CellMatrix());
+    ASSERT_EQ(weighted.RowsInStructure(), 2u);
+    EXPECT_EQ(text(weighted, 1, 0), relation);
 
     // With lambda given the fit is attempted, and a zero ridge cannot save it.
     EXPECT_EQ(thrown_text([&] { linear_reg(x, y, CellMatrix(), CellMatrix(0.0)); }),
