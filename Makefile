@@ -2,7 +2,7 @@
 BUILD ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps configure build test bench clean format
+.PHONY: all deps configure build demo test bench clean format
 
 all: build
 
@@ -14,6 +14,9 @@ configure: deps
 
 build: configure
 	cmake --build $(BUILD) -j $(JOBS)
+
+demo: build
+	cd examples && $(abspath $(BUILD))/zentable run demo.zt
 
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)

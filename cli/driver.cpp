@@ -1,0 +1,290 @@
+#include "driver.hpp"
+
+#include <algorithm>
+#include <fstream>
+#include <ostream>
+
+#include "driver_error.hpp"
+#include "xlw/cell_conversions.hpp"
+
+namespace zentable::cli {
+
+namespace {
+
+bool takes_text_by_name(const std::string& name) {
+    return name == "filename" || name == "infilename" || name == "outfilename" || name == "model";
+}
+
+std::string signature(const FunctionInfo& f) {
+    std::string s = f.excel_name + "(";
+    for (std::size_t i = 0; i < f.args.size(); ++i)
+        s += (i ? ", " : "") + f.args[i].name;
+    return s + ")";
+}
+
+// Splits the inside of a call's parentheses at the commas that stand outside
+// array constants and quoted texts.
+std::vector<std::string> split_arguments(const std::string& inside) {
+    std::vector<std::string> pieces;
+    std::string piece;
+    int depth = 0;
+    bool in_quotes = false;
+    for (char c : inside) {
+        if (in_quotes) {
+            if (c == '"')
+                in_quotes = false;
+        } else if (c == '"') {
+            in_quotes = true;
+        } else if (c == '{') {
+            ++depth;
+        } else if (c == '}') {
+            --depth;
+        } else if (c == ',' && depth == 0) {
+            pieces.push_back(piece);
+            piece.clear();
+            continue;
+        }
+        piece += c;
+    }
+    if (in_quotes)
+        throw DriverError("unterminated text in the arguments");
+    if (depth != 0)
+        throw DriverError("unterminated array constant in the arguments");
+    if (!trim(piece, 0).empty() || !pieces.empty())
+        pieces.push_back(piece);
+    return pieces;
+}
+
+// "name=value" names an argument when the name is one of the function's.
+GivenArgument given_argument(const FunctionInfo& f, const std::string& word,
+                             const Results* results) {
+    const std::string text = trim(word, 0);
+    const auto eq = text.find('=');
+    if (eq != std::string::npos && eq > 0) {
+        const std::string name = trim(text.substr(0, eq), 0);
+        if (is_identifier(name)) {
+            const bool known = std::any_of(f.args.begin(), f.args.end(),
+                                           [&](const ArgumentInfo& a) { return a.name == name; });
+            if (!known)
+                throw DriverError(f.excel_name + " has no argument named " + name);
+            return {name, parse_value(text.substr(eq + 1), results)};
+        }
+    }
+    return {"", parse_value(text, results)};
+}
+
+struct ScriptCall {
+    std::string function;
+    std::string inside;
+};
+
+bool parse_call(const std::string& text, ScriptCall& call) {
+    const auto open = text.find('(');
+    if (open == std::string::npos || text.back() != ')')
+        return false;
+    call.function = trim(text.substr(0, open), 0);
+    call.inside = text.substr(open + 1, text.size() - open - 2);
+    return is_identifier(call.function);
+}
+
+// What may stand alone on the right of "=": a file, an array constant, a
+// text, a number, or an earlier result or a range of it.
+bool is_value_form(const std::string& text, const Results& results) {
+    const char first = text[0];
+    if (first == '@' || first == '{' || first == '"' || is_decimal_number(text))
+        return true;
+    return results.count(text.substr(0, text.find('!'))) > 0;
+}
+
+struct Script {
+    const OutputOptions& options;
+    std::ostream& out;
+    Results results;
+    bool printed_any = false;
+
+    void print(const CellMatrix& table) {
+        if (printed_any)
+            out << '\n';
+        print_table(out, shown(table, options), options.format);
+        printed_any = true;
+    }
+
+    // Runs a call; a failure the guard caught comes back as its text.
+    bool call(const ScriptCall& c, CellMatrix& result, std::string& failure) {
+        const FunctionInfo& f = function_named(c.function);
+        std::vector<GivenArgument> given;
+        for (const std::string& piece : split_arguments(c.inside))
+            given.push_back(given_argument(f, piece, &results));
+        const GuardedResult r = call_entry(f, bind_arguments(f, given));
+        if (r.failed()) {
+            failure =
+                r.table.RowsInStructure() ? cell_text(r.table(0, 0)) : f.excel_name + " failed";
+            return false;
+        }
+        result = r.table;
+        return true;
+    }
+};
+
+}  // namespace
+
+const FunctionInfo& function_named(const std::string& name) {
+    const FunctionInfo* f = find_function(name);
+    if (!f)
+        throw DriverError("unknown function " + name + " (zentable list shows them all)");
+    return *f;
+}
+
+std::vector<CellMatrix> bind_arguments(const FunctionInfo& f,
+                                       const std::vector<GivenArgument>& given) {
+    std::vector<CellMatrix> args(f.args.size(), CellMatrix(1, 1));
+    std::vector<bool> set(f.args.size(), false);
+    std::size_t next = 0;
+    for (const GivenArgument& g : given) {
+        std::size_t at = next;
+        if (!g.first.empty()) {
+            at = static_cast<std::size_t>(
+                std::find_if(f.args.begin(), f.args.end(),
+                             [&](const ArgumentInfo& a) { return a.name == g.first; }) -
+                f.args.begin());
+        } else {
+            while (at < set.size() && set[at])
+                ++at;
+            next = at + 1;
+        }
+        if (at >= f.args.size())
+            throw DriverError(f.excel_name + " takes " + std::to_string(f.args.size()) +
+                              " arguments: " + signature(f));
+        if (set[at])
+            throw DriverError("argument " + f.args[at].name + " is given twice");
+        args[at] = g.second;
+        set[at] = true;
+    }
+    return args;
+}
+
+std::string kind_name(const FunctionInfo& f, std::size_t i) {
+    ArgKind kind = ArgKind::table;
+    if (f.is_built())
+        kind = f.command.kinds[i];
+    else if (f.args[i].type == "B")
+        kind = ArgKind::number;
+    else if (takes_text_by_name(f.args[i].name))
+        kind = ArgKind::text;
+    switch (kind) {
+        case ArgKind::number:
+            return "number";
+        case ArgKind::text:
+            return "text";
+        default:
+            return "table";
+    }
+}
+
+void print_list(std::ostream& out) {
+    std::size_t width = 0;
+    for (const FunctionInfo& f : catalogue())
+        width = std::max(width, f.excel_name.size());
+    for (const FunctionInfo& f : catalogue()) {
+        out << f.excel_name << std::string(width + 2 - f.excel_name.size(), ' ')
+            << (f.is_built() ? "  " : "- ") << trim(f.help, 0) << '\n';
+    }
+    out << "\n"
+        << catalogue().size() << " functions; those marked - are not available in this build.\n";
+}
+
+void print_help(std::ostream& out, const FunctionInfo& f) {
+    out << signature(f) << "\n  " << trim(f.help, 0) << "\n";
+    if (!f.is_built())
+        out << "  Not available in this build.\n";
+    if (f.args.empty()) {
+        out << "\nNo arguments.\n";
+        return;
+    }
+    std::size_t width = 0;
+    for (const ArgumentInfo& a : f.args)
+        width = std::max(width, a.name.size());
+    out << "\nArguments, in order:\n";
+    for (std::size_t i = 0; i < f.args.size(); ++i) {
+        const ArgumentInfo& a = f.args[i];
+        const std::string kind = kind_name(f, i);
+        out << "  " << a.name << std::string(width - a.name.size(), ' ') << "  " << kind
+            << std::string(6 - kind.size(), ' ') << "  " << a.help << '\n';
+    }
+}
+
+CellMatrix shown(const CellMatrix& table, const OutputOptions& options) {
+    if (!options.has_range)
+        return table;
+    // Padded as the sheet pads an array formula, then cut to the range it shows.
+    const CellMatrix padded = pad_to_range(table, options.range_rows, options.range_columns);
+    CellMatrix cut(options.range_rows, options.range_columns);
+    for (std::size_t i = 0; i < options.range_rows; ++i)
+        for (std::size_t j = 0; j < options.range_columns; ++j)
+            cut(i, j) = padded(i, j);
+    return cut;
+}
+
+int run_script(const std::string& path, const OutputOptions& options, std::ostream& out,
+               std::ostream& err) {
+    std::ifstream in(path);
+    if (!in) {
+        err << "zentable: cannot open script " << path << '\n';
+        return 2;
+    }
+    Script script{options, out, {}, false};
+    std::string line;
+    for (int number = 1; std::getline(in, line); ++number) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        const std::string text = trim(line, 0);
+        if (text.empty() || text[0] == '#')
+            continue;
+        const std::string where = path + ":" + std::to_string(number) + ": ";
+        try {
+            ScriptCall call;
+            std::string failure;
+            CellMatrix result;
+            if (text.rfind("print ", 0) == 0) {
+                const std::string what = trim(text.substr(6), 0);
+                const auto bang = what.find('!');
+                if (!script.results.count(what.substr(0, bang)))
+                    throw DriverError("no earlier result is named " + what.substr(0, bang));
+                script.print(parse_value(what, &script.results));
+                continue;
+            }
+            const auto eq = text.find('=');
+            const std::string target = eq == std::string::npos ? "" : trim(text.substr(0, eq), 0);
+            if (is_identifier(target)) {
+                const std::string rhs = trim(text.substr(eq + 1), 0);
+                if (rhs.empty())
+                    throw DriverError("nothing to assign to " + target);
+                if (parse_call(rhs, call)) {
+                    if (!script.call(call, result, failure)) {
+                        err << where << failure << '\n';
+                        return 1;
+                    }
+                } else if (is_value_form(rhs, script.results)) {
+                    result = parse_value(rhs, &script.results);
+                } else {
+                    throw DriverError("cannot read this line: " + text);
+                }
+                script.results[target] = result;
+            } else if (parse_call(text, call)) {
+                if (!script.call(call, result, failure)) {
+                    err << where << failure << '\n';
+                    return 1;
+                }
+                script.print(result);
+            } else {
+                throw DriverError("cannot read this line: " + text);
+            }
+        } catch (const DriverError& e) {
+            err << where << e.what() << '\n';
+            return 2;
+        }
+    }
+    return 0;
+}
+
+}  // namespace zentable::cli

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include "xlw/cell_matrix.hpp"
+
+namespace zentable::cli {
+
+// Tables kept by name in a script.
+using Results = std::map<std::string, CellMatrix>;
+
+// The cell a single word stands for: a number when it reads in full as a
+// decimal number, TRUE/FALSE, a quoted "text", or else the word as text.
+MJCellValue scalar_cell(const std::string& word);
+
+// True when the word reads in full as a decimal number.
+bool is_decimal_number(const std::string& word);
+
+// Letters, digits and underscores, not starting with a digit.
+bool is_identifier(const std::string& word);
+
+// {1,2;3,4}: columns by comma, rows by semicolon.
+CellMatrix parse_array_constant(const std::string& text);
+
+// A delimited file read as cells: numbers, TRUE/FALSE, empty cells, text.
+CellMatrix read_cells_file(const std::string& path);
+
+// One argument in any of its forms; `results` (may be null) resolves the
+// names of earlier results and their A1 ranges.
+CellMatrix parse_value(const std::string& word, const Results* results);
+
+// name!A1 or name!A2:C9, cut from a kept table.
+CellMatrix range_of(const std::string& name, const std::string& range, const CellMatrix& table);
+
+}  // namespace zentable::cli

@@ -1,0 +1,151 @@
+#!/usr/bin/env bash
+# The user's road through the zentable binary: calls, scripts, output forms,
+# and every kind of bad input, each with its exact output and exit status.
+# usage: cli_test.sh ZENTABLE EXAMPLES_DIR
+set -u
+Z=$1
+EXAMPLES=$2
+WORK=$(mktemp -d)
+trap 'rm -rf "$WORK"' EXIT
+cd "$WORK"
+
+passed=0
+failed=0
+
+# check NAME EXPECTED_STATUS EXPECTED_STDOUT EXPECTED_STDERR -- COMMAND...
+check() {
+    local name=$1 status=$2 out=$3 err=$4
+    shift 5
+    local actual_out actual_err actual_status
+    actual_out=$("$@" 2>"$WORK/stderr")
+    actual_status=$?
+    actual_err=$(cat "$WORK/stderr")
+    if [[ $actual_status == "$status" && $actual_out == "$out" && $actual_err == "$err" ]]; then
+        passed=$((passed + 1))
+    else
+        failed=$((failed + 1))
+        echo "FAILED: $name"
+        echo "  status: expected $status, got $actual_status"
+        [[ $actual_out == "$out" ]] || printf '  stdout: expected\n%s\n  got\n%s\n' "$out" "$actual_out"
+        [[ $actual_err == "$err" ]] || printf '  stderr: expected\n%s\n  got\n%s\n' "$err" "$actual_err"
+    fi
+}
+
+# check_match NAME EXPECTED_STATUS STDOUT_REGEX -- COMMAND...  (stderr must be empty)
+check_match() {
+    local name=$1 status=$2 pattern=$3
+    shift 4
+    local actual_out actual_status
+    actual_out=$("$@" 2>"$WORK/stderr")
+    actual_status=$?
+    if [[ $actual_status == "$status" && $actual_out =~ $pattern && ! -s $WORK/stderr ]]; then
+        passed=$((passed + 1))
+    else
+        failed=$((failed + 1))
+        echo "FAILED: $name (status $actual_status)"
+        printf '  stdout:\n%s\n  stderr:\n%s\n' "$actual_out" "$(cat "$WORK/stderr")"
+    fi
+}
+
+USAGE='usage: zentable list | help NAME | call NAME [ARG...] | run SCRIPT
+       options: --format table|csv|tsv|json  --range RxC  --help  (-- ends the options)'
+
+printf 'x1,x2\n1,5\n2,3\n3,8\n4,1\n5,2\n6,9\n' >x.csv
+printf 'y\n1\n3\n2\n5\n4\n6\n' >y.csv
+
+# --- the catalogue
+check_match "version" 0 '^Zentable 2\.00 is built on [A-Z][a-z]{2} [ 1-3][0-9] [0-9]{4} [0-9]{2}:[0-9]{2}:[0-9]{2}$' \
+    -- "$Z" call version
+list=$("$Z" list)
+check "list counts the functions" 0 "208 functions; those marked - are not available in this build." "" \
+    -- bash -c "\"$Z\" list | tail -1"
+check "list shows the first and last" 0 "2" "" \
+    -- bash -c "\"$Z\" list | grep -cE '^(version|Cornish_Fisher_expansion) '"
+check_match "help shows the arguments in order" 0 \
+    $'^linear_reg\\(x, y, weight, lambda\\)\n.*\n  x +table +.*\n  y +table +.*\n  weight +table +.*Optional:.*Default:.*\n  lambda +table +.*Optional:.*Default:' \
+    -- "$Z" help linear_reg
+check "function_list is 251 by 3" 0 "251 3" "" \
+    -- bash -c "\"$Z\" call function_list --format csv | awk -F, '{n++} END {print n, NF}'"
+
+# --- one call, by position and by name, in each output form
+csv=$("$Z" call linear_reg @x.csv @y.csv --format csv)
+check "csv report: 26 rows, handle first" 0 "26 linearRegModel" "" \
+    -- bash -c "\"$Z\" call linear_reg @x.csv @y.csv --format csv | awk -F, 'NR==1{split(\$1,h,\"->\")} {n++} END {print n, h[1]}'"
+check "by name gives the same estimates" 0 "$(echo "$csv" | sed -n '21,25p')" "" \
+    -- bash -c "\"$Z\" call linear_reg y=@y.csv x=@x.csv --format csv | sed -n '21,25p'"
+check "labels of the parameter table" 0 $'0,Intercept\n1,x' "" \
+    -- bash -c "\"$Z\" call linear_reg '{\"x\";1;3;4}' '{\"y\";2;5;6}' --format csv | sed -n '22,23p' | cut -d, -f1-2"
+check "tsv" 0 $'SSR\t2' "" \
+    -- bash -c "\"$Z\" call linear_reg @x.csv @y.csv --format tsv | sed -n '11p' | cut -f1-2"
+check "json: empty cells are null" 0 '[["linearRegModel->N",null,null,null,null,null' "" \
+    -- bash -c "\"$Z\" call linear_reg @x.csv @y.csv --format json | sed 's/->[0-9]*/->N/' | cut -d']' -f1"
+check "--range shows what an array formula over R by C shows" 0 \
+    '[["linearRegModel->N",""],["",""],["Analysis of Variance",""],["",""],["Number of Records",6]]' "" \
+    -- bash -c "\"$Z\" call linear_reg @x.csv @y.csv --format json --range 5x2 | sed 's/->[0-9]*/->N/'"
+check "--range pads a small result with empty strings" 0 \
+    '[["Zentable 2.00 is built on X","",""],["","",""]]' "" \
+    -- bash -c "\"$Z\" call version --range 2x3 --format json | sed 's/built on [^\"]*/built on X/'"
+check "a negative number is an argument, not an option" 1 "" \
+    "The ridge constants lambda for ridge regression must be non-negative" \
+    -- "$Z" call linear_reg @x.csv @y.csv _ -1
+check "-- ends the options" 1 "" "Input data table is empty" \
+    -- "$Z" call linear_reg @x.csv @y.csv -- --format
+check "a failure prints its text and exits 1" 1 "" \
+    "The numbers of observations in input data X, Y, and weight must be the same" \
+    -- "$Z" call linear_reg @x.csv '{"y";1;2}'
+check "an unbuilt function says so" 1 "" "prob_normal is not available in this build" \
+    -- "$Z" call prob_normal 0.5
+
+# --- bad input to the driver itself: one line, a non-zero status
+check "unknown function" 2 "" "zentable: unknown function nope (zentable list shows them all)" \
+    -- "$Z" call nope
+check "unterminated array constant" 2 "" "zentable: unterminated array constant: {1,2" \
+    -- "$Z" call linear_reg '{1,2'
+check "missing file after @" 2 "" "zentable: cannot open file missing.csv" \
+    -- "$Z" call linear_reg @missing.csv @y.csv
+check "nothing after @" 2 "" "zentable: a file name must follow @" \
+    -- "$Z" call linear_reg @ @y.csv
+check "too many arguments" 2 "" "zentable: linear_reg takes 4 arguments: linear_reg(x, y, weight, lambda)" \
+    -- "$Z" call linear_reg 1 2 3 4 5
+check "unknown argument name" 2 "" "zentable: linear_reg has no argument named alpha" \
+    -- "$Z" call linear_reg alpha=1
+check "bad command line" 2 "" "zentable: cannot read the command line
+$USAGE" -- "$Z" frobnicate
+check "unknown option" 2 "" "zentable: unknown option --colour
+$USAGE" -- "$Z" list --colour
+check "bad range option" 2 "" "zentable: --range wants rows by columns, such as 3x2: 3by2" \
+    -- "$Z" call version --range 3by2
+
+# --- scripts: one model store for the whole script
+cat >fit.zt <<'ZT'
+# a fit, then its handle passed on
+fit = linear_reg(@x.csv, @y.csv)
+print fit!A21:C22
+handle = fit!A1
+data = @x.csv
+linear_reg(data!A1:A7, y=@y.csv, lambda={0.5})
+ZT
+check_match "script: ranges, names and a call in one process" 0 \
+    $'^#  Variable   Estimate\n0  Intercept +[-0-9.e]+\n\nlinearRegModel->[0-9]+\n' \
+    -- "$Z" run fit.zt
+printf 'fit = linear_reg(@x.csv, @y.csv)\nprint fit!A1:Z99\n' >range.zt
+check "range outside a result" 2 "" "range.zt:2: range fit!A1:Z99 is outside fit, which is 26 by 6" \
+    -- "$Z" run range.zt
+printf '# fails on line 3\n\nfit = linear_reg(@x.csv, {"y";1})\nprint fit\n' >fails.zt
+check "a script stops at its first failing line" 1 "" \
+    "fails.zt:3: The numbers of observations in input data X, Y, and weight must be the same" \
+    -- "$Z" run fails.zt
+printf 'fit = linear_reg(@x.csv\n' >unparsed.zt
+check "a line that does not parse" 2 "" "unparsed.zt:1: cannot read this line: fit = linear_reg(@x.csv" \
+    -- "$Z" run unparsed.zt
+printf 'print nothing\n' >noname.zt
+check "an unknown result" 2 "" "noname.zt:1: no earlier result is named nothing" -- "$Z" run noname.zt
+check "a missing script" 2 "" "zentable: cannot open script none.zt" -- "$Z" run none.zt
+
+# --- the demo on the shipped example data
+cp "$EXAMPLES/credit.csv" "$EXAMPLES/demo.zt" .
+check_match "demo" 0 $'^Zentable 2\\.00 is built on .*\nlinearRegModel->[0-9]+\n.*Number of Records +2866\n.*End of output: linear_reg' \
+    -- "$Z" run demo.zt
+
+echo "$passed passed, $failed failed"
+[[ $failed == 0 ]]
