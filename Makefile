@@ -22,7 +22,7 @@ test: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 
 bench: build
-	@for b in $(BUILD)/bench/*_bench; do echo "== $$b"; $$b; done
+	@cd $(BUILD)/bench && for b in ./*_bench; do echo "== $$b"; $$b; done
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.hpp')

@@ -1,6 +1,7 @@
 #include "commands/catalogue.hpp"
 #include "commands/utility.hpp"
 #include "regression/linear_reg.hpp"
+#include "regression/linear_reg_variants.hpp"
 
 namespace zentable {
 
@@ -590,14 +591,16 @@ const std::vector<FunctionInfo>& catalogue() {
         function("linear_reg_nz",
                  "Fits a weighted linear or ridge regression on the records whose y is not zero, "
                  "and files the model",
-                 {oper("x", kX), oper("y", kY), oper("weight", kWeight), oper("lambda", kLambda)}),
+                 {oper("x", kX), oper("y", kY), oper("weight", kWeight), oper("lambda", kLambda)},
+                 command<&linear_reg_nz>()),
         function("linear_reg_envelope",
                  "Fits a linear or ridge regression of x on a moving envelope of the non-zero y, "
                  "its mean plus a number of standard deviations, and files the model",
                  {oper("x", kX), oper("y", kY),
                   oper("numPoints", "Number of points in the moving window, a positive integer"),
                   oper("numStdev", "Number of standard deviations added to the moving mean of y"),
-                  oper("weight", kWeight), oper("lambda", kLambda)}),
+                  oper("weight", kWeight), oper("lambda", kLambda)},
+                 command<&linear_reg_envelope>()),
         function("linear_reg_envelope_from_file",
                  "Fits a linear regression on a moving envelope of the non-zero y of a delimited "
                  "data file and writes the envelope and its forecast to a file",
@@ -610,13 +613,15 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("delimiter", kDelimiter),
                   oper("digits",
                        "Number of decimals of the numbers written, a non-negative integer. "
-                       "Optional: omit for 2. Default: 2")}),
+                       "Optional: omit for 2. Default: 2")},
+                 command<&linear_reg_envelope_from_file>()),
         function("linear_reg_from_file",
                  "Fits a weighted least-squares or ridge linear regression on a delimited data "
                  "file, and files the model",
                  {oper("filename", kFilename), oper("xNames", kXNames), oper("yName", kYName),
                   oper("weightName", kWeightName), oper("lambda", kLambda),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&linear_reg_from_file>()),
         function("linear_reg_forward_select",
                  "Selects the x variables of a linear regression one at a time by forward "
                  "selection, and files the final model",
@@ -631,7 +636,8 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("weightName", kWeightName), oper("delimiter", kDelimiter)}),
         function("linear_reg_score_from_coefs",
                  "Scores data with the coefficients of a linear model given in a table",
-                 {oper("coefs", kCoefs), oper("inputData", kDataWithHeaders)}),
+                 {oper("coefs", kCoefs), oper("inputData", kDataWithHeaders)},
+                 command<&linear_reg_score_from_coefs>()),
         function("linear_reg_piecewise",
                  "Fits, for each x variable alone, two joined lines with the smallest squared "
                  "error, and files the model",

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "data/delimited_file.hpp"
 #include "xlw/cell_conversions.hpp"
 
 namespace zentable {
@@ -36,8 +37,8 @@ std::string upper(std::string text) {
 
 std::string model_class_of(const std::string& model) {
     const std::string name = trim(model, 0);
-    const std::size_t dot = name.rfind('.');
-    if (dot != std::string::npos && upper(name.substr(dot + 1)) == "XML")
+    const std::vector<std::string> pieces = split_line(name, '.');
+    if (pieces.size() > 1 && upper(pieces.back()) == "XML")
         throw std::string("Reading a PMML model file is not available in this build: " + name);
     return name.substr(0, name.find('-'));
 }

@@ -12,7 +12,18 @@ namespace zentable {
 
 namespace {
 
-// The ridge constants: one for all variables, or one each; never negative.
+bool all_unit(const dvec& weight) {
+    return std::all_of(weight.begin(), weight.end(), [](double w) { return w == 1.0; });
+}
+
+std::string signed_term(double value, const char* positive, const char* negative) {
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, value > 0 ? positive : negative, std::fabs(value));
+    return buffer;
+}
+
+}  // namespace
+
 dvec read_lambda(const CellMatrix& lambda, std::size_t p) {
     dvec values;
     if (is_omitted(lambda))
@@ -27,18 +38,6 @@ dvec read_lambda(const CellMatrix& lambda, std::size_t p) {
         values.assign(p, values[0]);
     return values;
 }
-
-bool all_unit(const dvec& weight) {
-    return std::all_of(weight.begin(), weight.end(), [](double w) { return w == 1.0; });
-}
-
-std::string signed_term(double value, const char* positive, const char* negative) {
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, value > 0 ? positive : negative, std::fabs(value));
-    return buffer;
-}
-
-}  // namespace
 
 CellMatrix linear_reg(const CellMatrix& x, const CellMatrix& y, const CellMatrix& weight,
                       const CellMatrix& lambda) {

@@ -13,6 +13,10 @@ namespace zentable {
 CellMatrix linear_reg(const CellMatrix& x, const CellMatrix& y, const CellMatrix& weight,
                       const CellMatrix& lambda);
 
+// The ridge constants: omitted gives an empty vector, one value is repeated
+// for all p variables, else one each; never negative.
+dvec read_lambda(const CellMatrix& lambda, std::size_t p);
+
 // The fit and report that every linear regression command shares; the
 // commands differ only in how they prepare x, y and the weights.
 CellMatrix run_linear_reg(const std::vector<std::string>& names, const dmat& x, const dvec& y,

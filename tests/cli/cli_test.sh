@@ -73,6 +73,13 @@ check "csv report: 26 rows, handle first" 0 "26 linearRegModel" "" \
     -- bash -c "\"$Z\" call linear_reg @x.csv @y.csv --format csv | awk -F, 'NR==1{split(\$1,h,\"->\")} {n++} END {print n, h[1]}'"
 check "by name gives the same estimates" 0 "$(echo "$csv" | sed -n '21,25p')" "" \
     -- bash -c "\"$Z\" call linear_reg y=@y.csv x=@x.csv --format csv | sed -n '21,25p'"
+paste -d, x.csv y.csv >xy.csv
+check "from a file, the estimates of the same data as cells" 0 "$(echo "$csv" | sed -n '21,25p')" "" \
+    -- bash -c "\"$Z\" call linear_reg_from_file xy.csv '{\"x1\",\"x2\"}' y --format csv | sed -n '21,25p'"
+check "a file fit ends as linear_reg's" 0 "End of output: linear_reg" "" \
+    -- bash -c "\"$Z\" call linear_reg_from_file xy.csv '{\"x1\";\"x2\"}' y _ _ , --format csv | sed -n '26p' | cut -d, -f1"
+check "a name not in the file" 1 "" "Error: cannot find the variable (x3) in data file" \
+    -- "$Z" call linear_reg_from_file xy.csv x3 y
 check "labels of the parameter table" 0 $'0,Intercept\n1,x' "" \
     -- bash -c "\"$Z\" call linear_reg '{\"x\";1;3;4}' '{\"y\";2;5;6}' --format csv | sed -n '22,23p' | cut -d, -f1-2"
 check "tsv" 0 $'SSR\t2' "" \

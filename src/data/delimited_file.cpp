@@ -1,0 +1,570 @@
+#include "data/delimited_file.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <memory>
+
+#include "xlw/cell_conversions.hpp"
+
+namespace zentable {
+
+namespace {
+
+constexpr std::size_t kMaxFields = 100000;
+constexpr std::size_t kFirstBufferSize = 1024;
+
+bool is_space(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
+bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+std::string_view without_newlines(std::string_view line) {
+    while (!line.empty() && line.back() == '\n')
+        line.remove_suffix(1);
+    return line;
+}
+
+// The fields of a line as views into it, the vector reused from line to line
+// so that the record loops allocate nothing per field. `limit` fields at most.
+void split_fields(std::string_view line, char delimiter, std::vector<std::string_view>& fields,
+                  std::size_t limit = kMaxFields) {
+    fields.clear();
+    line = without_newlines(line);
+    const std::size_t n = line.size();
+    if (delimiter == ' ') {
+        std::size_t i = 0;
+        while (i < n && line[i] == ' ')
+            ++i;
+        while (i < n && fields.size() < limit) {
+            const std::size_t start = i;
+            while (i < n && line[i] != ' ')
+                ++i;
+            fields.push_back(line.substr(start, i - start));
+            while (i < n && line[i] == ' ')
+                ++i;
+        }
+        return;
+    }
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < n && fields.size() < limit; ++i) {
+        if (line[i] == delimiter) {
+            fields.push_back(line.substr(start, i - start));
+            start = i + 1;
+        }
+    }
+    // A trailing delimiter gives no further field; an empty line is one empty field.
+    if (fields.size() < limit && (start < n || n == 0))
+        fields.push_back(line.substr(start));
+}
+
+std::string trimmed(std::string_view field) {
+    return trim(std::string(field), 0);
+}
+
+// atof of a field that is not a number, for the places that keep its value.
+double atof_of(std::string_view field) {
+    return std::atof(std::string(field).c_str());
+}
+
+std::string cannot_find(const std::string& wanted, const char* where) {
+    return "Error: cannot find the variable (" + wanted + ") in " + where;
+}
+
+// An open data file with its head line read and split.
+struct DataFile {
+    LineReader reader;
+    svec head;
+    std::vector<std::string_view> fields;
+
+    DataFile(const std::string& filename, char delimiter) : reader(filename) {
+        if (const char* line = reader.read_line()) {
+            split_fields(std::string_view(line, reader.length()), delimiter, fields);
+            head.reserve(fields.size());
+            for (std::string_view f : fields)
+                head.push_back(trimmed(f));
+        }
+    }
+
+    std::vector<std::size_t> columns_of(const svec& names) const {
+        std::vector<std::size_t> columns;
+        columns.reserve(names.size());
+        for (const std::string& name : names)
+            columns.push_back(find_variable(head, name));
+        return columns;
+    }
+
+    // Splits the next record; false at the end of the file. A record with no
+    // field at `needed` stops the reading with its line number.
+    bool next(char delimiter, std::size_t needed, long long line_number) {
+        const char* line = reader.read_line();
+        if (!line)
+            return false;
+        split_fields(std::string_view(line, reader.length()), delimiter, fields, needed + 1);
+        if (fields.size() <= needed) {
+            // Count every field for the message, not only those looked at.
+            split_fields(std::string_view(line, reader.length()), delimiter, fields);
+            throw "Error: data line " + std::to_string(line_number) + " has " +
+                std::to_string(fields.size()) + " fields, which is less than expected in " +
+                reader.filename();
+        }
+        return true;
+    }
+};
+
+std::size_t largest(const std::vector<std::size_t>& columns) {
+    return columns.empty() ? 0 : *std::max_element(columns.begin(), columns.end());
+}
+
+std::string single_name(const CellMatrix& table, const std::string& too_many,
+                        const std::string& not_text) {
+    if (table.RowsInStructure() * table.ColumnsInStructure() != 1)
+        throw too_many;
+    if (!table(0, 0).IsString())
+        throw not_text;
+    return trim(table(0, 0).StringValue(), 0);
+}
+
+std::string number_text16(double value) {
+    char buffer[40];
+    std::snprintf(buffer, sizeof buffer, "%.16g", value);
+    return buffer;
+}
+
+}  // namespace
+
+char read_delimiter(const CellMatrix& delimiter) {
+    const std::string message = "delimiter must be a char";
+    std::string text = ",";
+    if (is_omitted(delimiter))
+        return ',';
+    read_string(delimiter, message, text);
+    if (text.empty())
+        throw message;
+    if (text == "\\t" || text == "\\T" || text == "\\tab" || text == "\\Tab" || text == "\\TAB")
+        text = "t";
+    if (text == "\\s" || text == "\\S" || text == "\\space" || text == "\\Space" ||
+        text == "\\SPACE")
+        text = "s";
+    if (text[0] == 's')
+        return ' ';
+    if (text[0] == 't')
+        return '\t';
+    return text[0];
+}
+
+bool parse_number(std::string_view field, double& value) {
+    const char* const end = field.data() + field.size();
+    const char* p = field.data();
+    while (p < end && is_space(*p))
+        ++p;
+    const char* const start = p;
+    const bool negative = p < end && *p == '-';
+    if (p < end && (*p == '+' || *p == '-'))
+        ++p;
+
+    // Scan the decimal grammar, gathering up to 19 significant digits on the way.
+    std::uint64_t mantissa = 0;
+    int significant = 0, fraction_digits = 0;
+    std::size_t digits = 0;
+    bool exact = true;
+    auto take_digit = [&](char c, bool in_fraction) {
+        ++digits;
+        if (mantissa == 0 && c == '0') {
+            if (in_fraction)
+                ++fraction_digits;
+            return;
+        }
+        if (significant == 19) {
+            exact = false;
+            return;
+        }
+        mantissa = mantissa * 10 + static_cast<std::uint64_t>(c - '0');
+        ++significant;
+        if (in_fraction)
+            ++fraction_digits;
+    };
+    while (p < end && is_digit(*p))
+        take_digit(*p++, false);
+    if (p < end && *p == '.') {
+        ++p;
+        while (p < end && is_digit(*p))
+            take_digit(*p++, true);
+    }
+    if (digits == 0)
+        return false;
+    long exponent = 0;
+    if (p < end && (*p == 'e' || *p == 'E')) {
+        ++p;
+        const bool negative_exponent = p < end && *p == '-';
+        if (p < end && (*p == '+' || *p == '-'))
+            ++p;
+        std::size_t exponent_digits = 0;
+        while (p < end && is_digit(*p)) {
+            if (exponent < 100000)
+                exponent = exponent * 10 + (*p - '0');
+            ++p, ++exponent_digits;
+        }
+        if (exponent_digits == 0)
+            return false;
+        if (negative_exponent)
+            exponent = -exponent;
+    }
+    if (p != end)
+        return false;
+
+    // Both the digits and the power of ten are exact doubles, so one division
+    // or product rounds correctly: the value atof gives.
+    static const double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                     1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                     1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    const long power = exponent - fraction_digits;
+    if (exact && mantissa <= (std::uint64_t{1} << 53) && power >= -22 && power <= 22) {
+        const double m = static_cast<double>(mantissa);
+        value = power >= 0 ? m * kPowers[power] : m / kPowers[-power];
+        if (negative)
+            value = -value;
+        return true;
+    }
+
+    const char* first = *start == '+' ? start + 1 : start;
+    const auto result = std::from_chars(first, end, value);
+    if (result.ec == std::errc() && result.ptr == end)
+        return true;
+    // Out of range: an overflow is no number to a stream; an underflow is,
+    // with the tiny value atof gives.
+    value = std::strtod(std::string(start, end).c_str(), nullptr);
+    return !std::isinf(value);
+}
+
+bool is_number(std::string_view field) {
+    double value;
+    return parse_number(field, value);
+}
+
+std::vector<std::string> split_line(const std::string& line, char delimiter) {
+    std::vector<std::string_view> views;
+    split_fields(line, delimiter, views);
+    return std::vector<std::string>(views.begin(), views.end());
+}
+
+LineReader::LineReader(const std::string& filename)
+    : filename_(filename), file_(std::fopen(filename.c_str(), "r")) {
+    if (!file_)
+        throw "Error: cannot open file " + filename;
+    buffer_.resize(kFirstBufferSize);
+}
+
+LineReader::~LineReader() {
+    std::fclose(file_);
+}
+
+const char* LineReader::read_line() {
+    char* buffer = buffer_.data();
+    if (!std::fgets(buffer, static_cast<int>(buffer_.size()), file_)) {
+        length_ = 0;
+        return nullptr;
+    }
+    std::size_t length = std::strlen(buffer);
+    // A full buffer without a newline: the line goes on.
+    while (length + 1 == buffer_.size() && buffer[length - 1] != '\n') {
+        buffer_.resize(buffer_.size() * 2);
+        buffer = buffer_.data();
+        if (!std::fgets(buffer + length, static_cast<int>(buffer_.size() - length), file_))
+            break;
+        length += std::strlen(buffer + length);
+    }
+    length_ = length;
+    return buffer;
+}
+
+svec read_head(const std::string& filename, char delimiter) {
+    return DataFile(filename, delimiter).head;
+}
+
+std::size_t find_variable(const svec& names, const std::string& wanted) {
+    const auto it = std::find(names.begin(), names.end(), wanted);
+    if (it == names.end())
+        throw cannot_find(wanted, "data file");
+    return static_cast<std::size_t>(it - names.begin());
+}
+
+std::size_t find_variable_in_data(const svec& names, const std::string& wanted) {
+    const auto it = std::find(names.begin(), names.end(), wanted);
+    if (it == names.end())
+        throw cannot_find(wanted, "data set");
+    return static_cast<std::size_t>(it - names.begin());
+}
+
+XYW read_xyw_from_file(const std::string& filename, const CellMatrix& x_names,
+                       const CellMatrix& y_name, const CellMatrix& weight_name, char delimiter) {
+    XYW out;
+    if (is_omitted(x_names))
+        throw std::string("Error: independent variable names (x_names) are missing");
+    read_string_list(x_names, out.x_names);
+    if (is_omitted(y_name))
+        throw std::string("Error: dependent variable name (y_name) is missing");
+    out.y_name = single_name(y_name, "Error: only one dependent variable name (y_name) is allowed",
+                             "Error: dependent variable name (y_name) is not a string");
+    out.has_weight = !is_omitted(weight_name);
+    out.weight_name =
+        out.has_weight
+            ? single_name(weight_name, "Error: only one weight variable name (w_name) is allowed",
+                          "Error: weight variable name (w_name) is not a string")
+            : "weight";
+
+    DataFile file(filename, delimiter);
+    const std::vector<std::size_t> x_columns = file.columns_of(out.x_names);
+    const std::size_t y_column = find_variable(file.head, out.y_name);
+    const std::size_t w_column = out.has_weight ? find_variable(file.head, out.weight_name) : 0;
+    const std::size_t needed = std::max({largest(x_columns), y_column, w_column});
+
+    const std::size_t p = x_columns.size();
+    dvec row(p);
+    for (long long line = 1; file.next(delimiter, needed, line); ++line) {
+        bool complete = true;
+        for (std::size_t j = 0; j < p && complete; ++j)
+            complete = parse_number(file.fields[x_columns[j]], row[j]);
+        double y = 0.0, w = 1.0;
+        complete = complete && parse_number(file.fields[y_column], y);
+        if (out.has_weight)
+            complete = complete && parse_number(file.fields[w_column], w);
+        if (!complete)
+            continue;
+        out.x.push_back(row);
+        out.y.push_back(y);
+        out.weight.push_back(w);
+    }
+    return out;
+}
+
+std::vector<dvec> read_numeric_columns(const std::string& filename, const svec& names,
+                                       char delimiter) {
+    DataFile file(filename, delimiter);
+    const std::vector<std::size_t> columns = file.columns_of(names);
+    std::vector<dvec> out(names.size());
+    double value;
+    for (long long line = 1; file.next(delimiter, largest(columns), line); ++line)
+        for (std::size_t j = 0; j < columns.size(); ++j)
+            if (parse_number(file.fields[columns[j]], value))
+                out[j].push_back(value);
+    return out;
+}
+
+NamedTable read_numeric_table(const std::string& filename, const svec& names, char delimiter,
+                              long long record_limit) {
+    DataFile file(filename, delimiter);
+    const std::vector<std::size_t> columns = file.columns_of(names);
+    NamedTable out;
+    out.names = names;
+    for (long long line = 1; (record_limit <= 0 || line <= record_limit) &&
+                             file.next(delimiter, largest(columns), line);
+         ++line) {
+        dvec row(columns.size());
+        bool complete = true;
+        for (std::size_t j = 0; j < columns.size(); ++j) {
+            const std::string_view field = file.fields[columns[j]];
+            if (!parse_number(field, row[j])) {
+                row[j] = atof_of(field);
+                complete = false;
+            }
+        }
+        out.data.push_back(std::move(row));
+        out.valid.push_back(complete);
+    }
+    return out;
+}
+
+std::vector<svec> read_text_columns(const std::string& filename, const svec& names,
+                                    char delimiter) {
+    DataFile file(filename, delimiter);
+    const std::vector<std::size_t> columns = file.columns_of(names);
+    std::vector<svec> out(names.size());
+    for (long long line = 1; file.next(delimiter, largest(columns), line); ++line)
+        for (std::size_t j = 0; j < columns.size(); ++j)
+            out[j].push_back(trimmed(file.fields[columns[j]]));
+    return out;
+}
+
+std::vector<svec> read_field_table(const std::string& filename, const svec& names, char delimiter,
+                                   long long record_limit) {
+    DataFile file(filename, delimiter);
+    const std::vector<std::size_t> columns = file.columns_of(names);
+    std::vector<svec> out;
+    for (long long line = 1; (record_limit <= 0 || line <= record_limit) &&
+                             file.next(delimiter, largest(columns), line);
+         ++line) {
+        svec row;
+        row.reserve(columns.size());
+        for (std::size_t column : columns)
+            row.push_back(trimmed(file.fields[column]));
+        out.push_back(std::move(row));
+    }
+    return out;
+}
+
+MixedTable read_whole_table(const std::string& filename, char delimiter) {
+    DataFile file(filename, delimiter);
+    MixedTable out;
+    out.names = file.head;
+    const std::size_t width = file.head.size();
+    int numeric = 0, categorical = 0;
+    long long line_number = 0;
+    while (const char* line = file.reader.read_line()) {
+        ++line_number;
+        split_fields(std::string_view(line, file.reader.length()), delimiter, file.fields);
+        if (file.fields.size() != width)
+            throw "Error: data line " + std::to_string(line_number) + " (" +
+                std::to_string(file.fields.size()) + " fields) must have the same size as head (" +
+                std::to_string(width) + " fields)";
+        if (line_number == 1) {
+            for (std::string_view field : file.fields) {
+                const bool number = is_number(field);
+                out.column_types.push_back(number ? 'N' : 'C');
+                out.column_index.push_back(number ? numeric++ : categorical++);
+            }
+        }
+        dvec numbers(static_cast<std::size_t>(numeric));
+        svec texts(static_cast<std::size_t>(categorical));
+        for (std::size_t j = 0; j < width; ++j) {
+            const std::string_view field = file.fields[j];
+            const auto at = static_cast<std::size_t>(out.column_index[j]);
+            if (out.column_types[j] == 'N') {
+                if (!parse_number(field, numbers[at]))
+                    numbers[at] = atof_of(field);
+            } else {
+                texts[at] = trimmed(field);
+            }
+        }
+        out.numeric_rows.push_back(std::move(numbers));
+        out.text_rows.push_back(std::move(texts));
+    }
+    out.row_count = static_cast<int>(line_number);
+    return out;
+}
+
+ClassAndNumbers read_two_name_lists(const std::string& filename, const svec& class_names,
+                                    const svec& x_names, char delimiter) {
+    DataFile file(filename, delimiter);
+    const std::vector<std::size_t> class_columns = file.columns_of(class_names);
+    const std::vector<std::size_t> x_columns = file.columns_of(x_names);
+    const std::size_t needed = std::max(largest(class_columns), largest(x_columns));
+    ClassAndNumbers out;
+    for (long long line = 1; file.next(delimiter, needed, line); ++line) {
+        svec classes;
+        classes.reserve(class_columns.size());
+        for (std::size_t column : class_columns)
+            classes.push_back(trimmed(file.fields[column]));
+        dvec x(x_columns.size());
+        bool complete = true;
+        for (std::size_t j = 0; j < x_columns.size(); ++j) {
+            const std::string_view field = file.fields[x_columns[j]];
+            if (!parse_number(field, x[j])) {
+                x[j] = atof_of(field);
+                complete = false;
+            }
+        }
+        out.classes.push_back(std::move(classes));
+        out.x.push_back(std::move(x));
+        out.valid.push_back(complete);
+    }
+    return out;
+}
+
+namespace {
+
+// Copies a file line by line, each line followed by the delimiter and the
+// text that `tail(i)` gives for line i (the head line being -1).
+template <class Tail>
+void copy_with_new_columns(const std::string& infile, const std::string& outfile,
+                           const std::string& open_in_failure, const std::string& open_out_failure,
+                           const std::string& failure, char delimiter, Tail tail) {
+    std::unique_ptr<LineReader> reader;
+    try {
+        reader = std::make_unique<LineReader>(infile);
+    } catch (const std::string&) {
+        throw open_in_failure;
+    }
+    std::FILE* out = std::fopen(outfile.c_str(), "w");
+    if (!out)
+        throw open_out_failure;
+    long long i = -1;
+    while (const char* line = reader->read_line()) {
+        const std::string_view text = without_newlines(std::string_view(line, reader->length()));
+        std::fwrite(text.data(), 1, text.size(), out);
+        std::fputc(delimiter, out);
+        const std::string added = tail(i++);
+        std::fwrite(added.data(), 1, added.size(), out);
+        std::fputc('\n', out);
+    }
+    const bool failed = std::ferror(out) != 0;
+    if (std::fclose(out) != 0 || failed)
+        throw failure;
+}
+
+}  // namespace
+
+void append_vector(const std::string& infile, const std::string& outfile, const dvec& values,
+                   const std::string& new_name, char delimiter) {
+    copy_with_new_columns(infile, outfile, "Error: cannot open input file " + infile,
+                          "Error: cannot open output file " + outfile,
+                          "append_vector to file " + outfile + " failed!", delimiter,
+                          [&](long long i) -> std::string {
+                              if (i < 0)
+                                  return new_name;
+                              const auto at = static_cast<std::size_t>(i);
+                              return at < values.size() ? number_text16(values[at]) : "";
+                          });
+}
+
+void append_matrix(const std::string& infile, const std::string& outfile, const dmat& values,
+                   const svec& new_names, char delimiter) {
+    const std::string joiner(1, delimiter);
+    copy_with_new_columns(infile, outfile, "Error: cannot open file " + infile,
+                          "Error: cannot open file " + outfile,
+                          "append_matrix to file " + outfile + " failed!", delimiter,
+                          [&](long long i) -> std::string {
+                              std::string text;
+                              for (std::size_t j = 0; j < new_names.size(); ++j) {
+                                  if (j)
+                                      text += joiner;
+                                  if (i < 0) {
+                                      text += new_names[j];
+                                  } else {
+                                      const auto at = static_cast<std::size_t>(i);
+                                      if (at < values.size() && j < values[at].size())
+                                          text += number_text16(values[at][j]);
+                                  }
+                              }
+                              return text;
+                          });
+}
+
+void write_table(const std::string& filename, const CellMatrix& table, char delimiter) {
+    std::ofstream out(filename);
+    if (!out)
+        throw "Error: open file " + filename + " failed!";
+    out.precision(16);
+    const std::size_t rows = table.RowsInStructure(), columns = table.ColumnsInStructure();
+    for (std::size_t i = 0; i < rows; ++i) {
+        for (std::size_t j = 0; j < columns; ++j) {
+            if (j)
+                out << delimiter;
+            const CellValue& cell = table(i, j);
+            if (cell.IsANumber())
+                out << cell.NumericValue();
+            else
+                out << cell_to_text(cell);
+        }
+        out << '\n';
+    }
+}
+
+}  // namespace zentable

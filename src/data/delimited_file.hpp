@@ -1,0 +1,102 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "numeric/matrix.hpp"
+#include "xlw/cell_matrix.hpp"
+#include "xlw/decoders.hpp"
+
+namespace zentable {
+
+// The delimiter argument: "," by default; "\t", "\tab" (any case) or "t" a
+// tab; "\s", "\space" or "s" a blank; otherwise the first character.
+char read_delimiter(const CellMatrix& delimiter);
+
+// A field is a number when a standard input stream reads a double from all of
+// it: blanks before are allowed, anything after is not.
+bool is_number(std::string_view field);
+// is_number, and when it holds, the field's value (the C library's atof).
+bool parse_number(std::string_view field, double& value);
+
+// The fields of a line: trailing newlines removed; with the blank as
+// delimiter, runs of blanks count as one. At most 100000 fields.
+std::vector<std::string> split_line(const std::string& line, char delimiter);
+
+// Reads a file line by line with no limit on a line's length: the buffer
+// starts at 1024 bytes with each file and doubles whenever a line does not fit.
+class LineReader {
+  public:
+    explicit LineReader(const std::string& filename);  // "Error: cannot open file <name>"
+    ~LineReader();
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
+
+    // The next line with its newline, if it had one; null at the end of the file.
+    const char* read_line();
+    std::size_t length() const { return length_; }  // of the line last read
+    const std::string& filename() const { return filename_; }
+
+  private:
+    std::string filename_;
+    std::FILE* file_;
+    std::vector<char> buffer_;
+    std::size_t length_ = 0;
+};
+
+// The head line's names, trimmed.
+svec read_head(const std::string& filename, char delimiter);
+
+// Index of a name among the head's; the first of equal names wins.
+// Failure: "Error: cannot find the variable (<name>) in data file".
+std::size_t find_variable(const svec& names, const std::string& wanted);
+// The same lookup over data in memory: "... in data set".
+std::size_t find_variable_in_data(const svec& names, const std::string& wanted);
+
+// x, y and weight read from a file by their names, with the commands' own
+// checks of the name arguments; only complete records are kept.
+XYW read_xyw_from_file(const std::string& filename, const CellMatrix& x_names,
+                       const CellMatrix& y_name, const CellMatrix& weight_name, char delimiter);
+
+// One vector per variable, each keeping only the fields that are numbers.
+std::vector<dvec> read_numeric_columns(const std::string& filename, const svec& names,
+                                       char delimiter);
+
+// The data table of the named variables with its valid mask, as from a cell
+// table; a limit above 0 stops after that many data lines.
+NamedTable read_numeric_table(const std::string& filename, const svec& names, char delimiter,
+                              long long record_limit = 0);
+
+// One list of trimmed texts per variable.
+std::vector<svec> read_text_columns(const std::string& filename, const svec& names, char delimiter);
+
+// Every variable; the first record decides the type of each column.
+MixedTable read_whole_table(const std::string& filename, char delimiter);
+
+// The named fields as trimmed text, one row per record.
+std::vector<svec> read_field_table(const std::string& filename, const svec& names, char delimiter,
+                                   long long record_limit = 0);
+
+// Class variables as text columns and x variables as numbers, record by record.
+struct ClassAndNumbers {
+    std::vector<svec> classes;  // one row per record, one text per class name
+    dmat x;                     // one row per record
+    bvec valid;                 // false where an x field is not a number
+};
+ClassAndNumbers read_two_name_lists(const std::string& filename, const svec& class_names,
+                                    const svec& x_names, char delimiter);
+
+// A copy of a file with one new last column: the value of line i (counted
+// from 0 after the head) at 16 significant digits, or empty past the values.
+void append_vector(const std::string& infile, const std::string& outfile, const dvec& values,
+                   const std::string& new_name, char delimiter);
+// The same with several new columns, values[i] being line i's.
+void append_matrix(const std::string& infile, const std::string& outfile, const dmat& values,
+                   const svec& new_names, char delimiter);
+
+// Writes a cell table as a delimited file, numbers at 16 significant digits.
+void write_table(const std::string& filename, const CellMatrix& table, char delimiter);
+
+}  // namespace zentable
