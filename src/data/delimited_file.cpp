@@ -7,8 +7,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <fstream>
+#include <iterator>
 #include <memory>
+#include <thread>
 
 #include "xlw/cell_conversions.hpp"
 
@@ -18,6 +21,7 @@ namespace {
 
 constexpr std::size_t kMaxFields = 100000;
 constexpr std::size_t kFirstBufferSize = 1024;
+constexpr std::size_t kBlockSize = 1 << 20;
 
 bool is_space(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
@@ -78,6 +82,23 @@ std::string cannot_find(const std::string& wanted, const char* where) {
     return "Error: cannot find the variable (" + wanted + ") in " + where;
 }
 
+// Splits a record up to the field at `needed`; false when it has no such
+// field, with every field of the line split for the count.
+bool split_record(std::string_view line, char delimiter, std::size_t needed,
+                  std::vector<std::string_view>& fields) {
+    split_fields(line, delimiter, fields, needed + 1);
+    if (fields.size() > needed)
+        return true;
+    split_fields(line, delimiter, fields);
+    return false;
+}
+
+std::string short_line_text(long long line_number, std::size_t fields,
+                            const std::string& filename) {
+    return "Error: data line " + std::to_string(line_number) + " has " + std::to_string(fields) +
+           " fields, which is less than expected in " + filename;
+}
+
 // An open data file with its head line read and split.
 struct DataFile {
     LineReader reader;
@@ -107,14 +128,8 @@ struct DataFile {
         const char* line = reader.read_line();
         if (!line)
             return false;
-        split_fields(std::string_view(line, reader.length()), delimiter, fields, needed + 1);
-        if (fields.size() <= needed) {
-            // Count every field for the message, not only those looked at.
-            split_fields(std::string_view(line, reader.length()), delimiter, fields);
-            throw "Error: data line " + std::to_string(line_number) + " has " +
-                std::to_string(fields.size()) + " fields, which is less than expected in " +
-                reader.filename();
-        }
+        if (!split_record(std::string_view(line, reader.length()), delimiter, needed, fields))
+            throw short_line_text(line_number, fields.size(), reader.filename());
         return true;
     }
 };
@@ -170,36 +185,28 @@ bool parse_number(std::string_view field, double& value) {
     if (p < end && (*p == '+' || *p == '-'))
         ++p;
 
-    // Scan the decimal grammar, gathering up to 19 significant digits on the way.
+    // Scan the decimal grammar, gathering the digits on the way; up to 19
+    // significant ones fit the mantissa exactly.
     std::uint64_t mantissa = 0;
     int significant = 0, fraction_digits = 0;
-    std::size_t digits = 0;
-    bool exact = true;
-    auto take_digit = [&](char c, bool in_fraction) {
-        ++digits;
-        if (mantissa == 0 && c == '0') {
-            if (in_fraction)
-                ++fraction_digits;
-            return;
-        }
-        if (significant == 19) {
-            exact = false;
-            return;
-        }
-        mantissa = mantissa * 10 + static_cast<std::uint64_t>(c - '0');
-        ++significant;
-        if (in_fraction)
-            ++fraction_digits;
-    };
-    while (p < end && is_digit(*p))
-        take_digit(*p++, false);
+    const char* const digits_start = p;
+    while (p < end && is_digit(*p)) {
+        mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p++ - '0');
+        significant += mantissa != 0;
+    }
+    std::size_t digits = static_cast<std::size_t>(p - digits_start);
     if (p < end && *p == '.') {
-        ++p;
-        while (p < end && is_digit(*p))
-            take_digit(*p++, true);
+        const char* const fraction_start = ++p;
+        while (p < end && is_digit(*p)) {
+            mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p++ - '0');
+            significant += mantissa != 0;
+        }
+        fraction_digits = static_cast<int>(p - fraction_start);
+        digits += static_cast<std::size_t>(fraction_digits);
     }
     if (digits == 0)
         return false;
+    const bool exact = significant <= 19;
     long exponent = 0;
     if (p < end && (*p == 'e' || *p == 'E')) {
         ++p;
@@ -255,35 +262,78 @@ std::vector<std::string> split_line(const std::string& line, char delimiter) {
     return std::vector<std::string>(views.begin(), views.end());
 }
 
-LineReader::LineReader(const std::string& filename)
-    : filename_(filename), file_(std::fopen(filename.c_str(), "r")) {
+LineReader::LineReader(const std::string& filename, long long begin, long long end)
+    : filename_(filename), file_(std::fopen(filename.c_str(), "r")), offset_(begin), end_(end) {
     if (!file_)
         throw "Error: cannot open file " + filename;
-    buffer_.resize(kFirstBufferSize);
+    if (begin > 0 && std::fseek(file_, static_cast<long>(begin), SEEK_SET) != 0) {
+        std::fclose(file_);
+        throw "Error: cannot open file " + filename;
+    }
+    block_.resize(kBlockSize);
+    line_.resize(kFirstBufferSize);
 }
 
 LineReader::~LineReader() {
     std::fclose(file_);
 }
 
-const char* LineReader::read_line() {
-    char* buffer = buffer_.data();
-    if (!std::fgets(buffer, static_cast<int>(buffer_.size()), file_)) {
-        length_ = 0;
-        return nullptr;
-    }
-    std::size_t length = std::strlen(buffer);
-    // A full buffer without a newline: the line goes on.
-    while (length + 1 == buffer_.size() && buffer[length - 1] != '\n') {
-        buffer_.resize(buffer_.size() * 2);
-        buffer = buffer_.data();
-        if (!std::fgets(buffer + length, static_cast<int>(buffer_.size() - length), file_))
-            break;
-        length += std::strlen(buffer + length);
-    }
-    length_ = length;
-    return buffer;
+bool LineReader::fill_block() {
+    block_begin_ = 0;
+    block_end_ = std::fread(block_.data(), 1, block_.size(), file_);
+    return block_end_ > 0;
 }
+
+const char* LineReader::read_line() {
+    if (end_ >= 0 && offset_ >= end_)
+        return nullptr;
+    std::size_t length = 0;
+    for (;;) {
+        if (block_begin_ == block_end_ && !fill_block())
+            break;
+        const char* start = block_.data() + block_begin_;
+        const std::size_t available = block_end_ - block_begin_;
+        const void* newline = std::memchr(start, '\n', available);
+        const std::size_t take =
+            newline ? static_cast<std::size_t>(static_cast<const char*>(newline) - start) + 1
+                    : available;
+        while (length + take + 1 > line_.size())
+            line_.resize(line_.size() * 2);
+        std::memcpy(line_.data() + length, start, take);
+        length += take;
+        block_begin_ += take;
+        if (newline)
+            break;
+    }
+    if (length == 0)
+        return nullptr;
+    offset_ += static_cast<long long>(length);
+    line_[length] = '\0';
+    length_ = std::strlen(line_.data());
+    return line_.data();
+}
+
+namespace {
+
+long long file_size(const std::string& filename) {
+    std::FILE* file = std::fopen(filename.c_str(), "r");
+    if (!file)
+        return -1;
+    long long size = -1;
+    if (std::fseek(file, 0, SEEK_END) == 0)
+        size = std::ftell(file);
+    std::fclose(file);
+    return size;
+}
+
+// The offset of the first line that starts at or after `at`.
+long long line_start_from(const std::string& filename, long long at) {
+    LineReader reader(filename, at - 1);
+    reader.read_line();  // the rest of the line that holds byte at - 1
+    return reader.offset();
+}
+
+}  // namespace
 
 svec read_head(const std::string& filename, char delimiter) {
     return DataFile(filename, delimiter).head;
@@ -303,6 +353,62 @@ std::size_t find_variable_in_data(const svec& names, const std::string& wanted) 
     return static_cast<std::size_t>(it - names.begin());
 }
 
+namespace {
+
+constexpr long long kParallelBytes = 8 << 20;
+
+struct XywColumns {
+    std::vector<std::size_t> x;
+    std::size_t y = 0, weight = 0, needed = 0;
+    bool has_weight = false;
+};
+
+// The complete records of one stretch of a data file. A short line stops the
+// stretch; its number counts from the stretch's first line.
+struct XywPart {
+    dmat x;
+    dvec y, weight;
+    long long lines = 0;
+    long long short_line = 0;
+    std::size_t short_line_fields = 0;
+    std::exception_ptr failure;
+};
+
+void read_xyw_part(const std::string& filename, long long begin, long long end, char delimiter,
+                   const XywColumns& columns, XywPart& part) {
+    try {
+        LineReader reader(filename, begin, end);
+        std::vector<std::string_view> fields;
+        const std::size_t p = columns.x.size();
+        dvec row(p);
+        while (const char* line = reader.read_line()) {
+            ++part.lines;
+            const std::string_view text(line, reader.length());
+            if (!split_record(text, delimiter, columns.needed, fields)) {
+                part.short_line = part.lines;
+                part.short_line_fields = fields.size();
+                return;
+            }
+            bool complete = true;
+            for (std::size_t j = 0; j < p && complete; ++j)
+                complete = parse_number(fields[columns.x[j]], row[j]);
+            double y = 0.0, w = 1.0;
+            complete = complete && parse_number(fields[columns.y], y);
+            if (columns.has_weight)
+                complete = complete && parse_number(fields[columns.weight], w);
+            if (!complete)
+                continue;
+            part.x.push_back(row);
+            part.y.push_back(y);
+            part.weight.push_back(w);
+        }
+    } catch (...) {
+        part.failure = std::current_exception();
+    }
+}
+
+}  // namespace
+
 XYW read_xyw_from_file(const std::string& filename, const CellMatrix& x_names,
                        const CellMatrix& y_name, const CellMatrix& weight_name, char delimiter) {
     XYW out;
@@ -320,27 +426,48 @@ XYW read_xyw_from_file(const std::string& filename, const CellMatrix& x_names,
                           "Error: weight variable name (w_name) is not a string")
             : "weight";
 
-    DataFile file(filename, delimiter);
-    const std::vector<std::size_t> x_columns = file.columns_of(out.x_names);
-    const std::size_t y_column = find_variable(file.head, out.y_name);
-    const std::size_t w_column = out.has_weight ? find_variable(file.head, out.weight_name) : 0;
-    const std::size_t needed = std::max({largest(x_columns), y_column, w_column});
+    const svec head = read_head(filename, delimiter);
+    XywColumns columns;
+    for (const std::string& name : out.x_names)
+        columns.x.push_back(find_variable(head, name));
+    columns.y = find_variable(head, out.y_name);
+    columns.has_weight = out.has_weight;
+    columns.weight = out.has_weight ? find_variable(head, out.weight_name) : 0;
+    columns.needed = std::max({largest(columns.x), columns.y, columns.weight});
 
-    const std::size_t p = x_columns.size();
-    dvec row(p);
-    for (long long line = 1; file.next(delimiter, needed, line); ++line) {
-        bool complete = true;
-        for (std::size_t j = 0; j < p && complete; ++j)
-            complete = parse_number(file.fields[x_columns[j]], row[j]);
-        double y = 0.0, w = 1.0;
-        complete = complete && parse_number(file.fields[y_column], y);
-        if (out.has_weight)
-            complete = complete && parse_number(file.fields[w_column], w);
-        if (!complete)
-            continue;
-        out.x.push_back(row);
-        out.y.push_back(y);
-        out.weight.push_back(w);
+    // A large file is read in two halves at once, one for each core; the
+    // records keep their order and the lines their numbers.
+    const long long data_begin = line_start_from(filename, 1);
+    const long long size = file_size(filename);
+    std::vector<XywPart> parts;
+    if (size - data_begin < kParallelBytes) {
+        parts.resize(1);
+        read_xyw_part(filename, data_begin, -1, delimiter, columns, parts[0]);
+    } else {
+        const long long middle = line_start_from(filename, data_begin + (size - data_begin) / 2);
+        parts.resize(2);
+        std::thread second(
+            [&] { read_xyw_part(filename, middle, -1, delimiter, columns, parts[1]); });
+        read_xyw_part(filename, data_begin, middle, delimiter, columns, parts[0]);
+        second.join();
+    }
+
+    long long lines_before = 0;
+    for (XywPart& part : parts) {
+        if (part.failure)
+            std::rethrow_exception(part.failure);
+        if (part.short_line > 0)
+            throw short_line_text(lines_before + part.short_line, part.short_line_fields, filename);
+        lines_before += part.lines;
+    }
+    out.x = std::move(parts[0].x);
+    out.y = std::move(parts[0].y);
+    out.weight = std::move(parts[0].weight);
+    for (std::size_t i = 1; i < parts.size(); ++i) {
+        out.x.reserve(out.x.size() + parts[i].x.size());
+        std::move(parts[i].x.begin(), parts[i].x.end(), std::back_inserter(out.x));
+        out.y.insert(out.y.end(), parts[i].y.begin(), parts[i].y.end());
+        out.weight.insert(out.weight.end(), parts[i].weight.begin(), parts[i].weight.end());
     }
     return out;
 }

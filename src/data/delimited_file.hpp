@@ -25,25 +25,37 @@ bool parse_number(std::string_view field, double& value);
 // delimiter, runs of blanks count as one. At most 100000 fields.
 std::vector<std::string> split_line(const std::string& line, char delimiter);
 
-// Reads a file line by line with no limit on a line's length: the buffer
-// starts at 1024 bytes with each file and doubles whenever a line does not fit.
+// Reads a file line by line with no limit on a line's length, optionally
+// only the lines that start in the byte range [begin, end). Each line is
+// copied into a buffer that starts at 1024 bytes and doubles whenever a line
+// does not fit. As with the C library's line reader, a NUL byte ends the text
+// of its line; the rest of that line is passed over.
 class LineReader {
   public:
-    explicit LineReader(const std::string& filename);  // "Error: cannot open file <name>"
+    // Fails with "Error: cannot open file <name>". `begin` must be the start of a line.
+    explicit LineReader(const std::string& filename, long long begin = 0, long long end = -1);
     ~LineReader();
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
-    // The next line with its newline, if it had one; null at the end of the file.
+    // The next line with its newline, if it had one, ended by a NUL; null at
+    // the end of the file or of the range.
     const char* read_line();
     std::size_t length() const { return length_; }  // of the line last read
+    long long offset() const { return offset_; }    // where the next line starts
     const std::string& filename() const { return filename_; }
 
   private:
+    bool fill_block();
+
     std::string filename_;
     std::FILE* file_;
-    std::vector<char> buffer_;
+    std::vector<char> block_;
+    std::size_t block_begin_ = 0, block_end_ = 0;
+    std::vector<char> line_;
     std::size_t length_ = 0;
+    long long offset_;
+    long long end_;
 };
 
 // The head line's names, trimmed.

@@ -353,3 +353,45 @@ TEST(Writers, AppendColumnsAndWriteTables) {
 
 }  // namespace
 }  // namespace zentable
+
+namespace zentable {
+namespace {
+
+// Files past a few megabytes are read in two halves at once: the records must
+// come back in file order and a short line must keep its number.
+TEST(ReadXywFromFile, LargeFilesReadInHalvesKeepOrderAndLineNumbers) {
+    std::string content = "i,twice,note,y\n";
+    const int records = 500000;
+    for (int i = 1; i <= records; ++i) {
+        const bool missing = i % 1000 == 0;  // a text y drops the record
+        content += std::to_string(i) + "," + std::to_string(2 * i) + ",n," +
+                   (missing ? std::string("na") : std::to_string(i) + ".5") + "\n";
+    }
+    ASSERT_GT(content.size(), 9u << 20);
+    const std::string path = temp_file("large.csv", content);
+    const XYW d =
+        read_xyw_from_file(path, row_of({"twice", "i"}), text_cell("y"), CellMatrix(1, 1), ',');
+    ASSERT_EQ(d.x.size(), static_cast<std::size_t>(records - records / 1000));
+    std::size_t k = 0;
+    for (int i = 1; i <= records; ++i) {
+        if (i % 1000 == 0)
+            continue;
+        ASSERT_EQ(d.x[k], (dvec{2.0 * i, 1.0 * i})) << "record " << i;
+        ASSERT_EQ(d.y[k], i + 0.5);
+        ++k;
+    }
+
+    // A short line far into the second half, and a NUL that ends a line's text.
+    std::string broken = content;
+    const std::size_t at = broken.find("\n450000,");
+    broken.replace(at + 1, broken.find('\n', at + 1) - at - 1, std::string("450000,9\0,n,1", 13));
+    const std::string broken_path = temp_file("large_short.csv", broken);
+    EXPECT_EQ(
+        thrown_text([&] {
+            read_xyw_from_file(broken_path, row_of({"i"}), text_cell("y"), CellMatrix(1, 1), ',');
+        }),
+        "Error: data line 450000 has 2 fields, which is less than expected in " + broken_path);
+}
+
+}  // namespace
+}  // namespace zentable
