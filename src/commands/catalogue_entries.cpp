@@ -1,7 +1,16 @@
 #include "commands/catalogue.hpp"
 #include "commands/utility.hpp"
+#include "numeric/prob_functions.hpp"
 #include "regression/linear_reg.hpp"
 #include "regression/linear_reg_variants.hpp"
+#include "stats/binning.hpp"
+#include "stats/freq.hpp"
+#include "stats/freq_2d.hpp"
+#include "stats/means.hpp"
+#include "stats/percentiles.hpp"
+#include "stats/ranks.hpp"
+#include "stats/summary.hpp"
+#include "stats/variable_corr_select.hpp"
 
 namespace zentable {
 
@@ -238,7 +247,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("numBins", "Number of rank groups, a positive integer"),
                   oper("order",
                        "1 ranks from the smallest value up, -1 from the largest down. Optional: "
-                       "omit for the smallest first. Default: 1")}),
+                       "omit for the smallest first. Default: 1")},
+                 command<&ranks>()),
         function(
             "ranks_from_file",
             "Appends the rank group of a variable of a delimited data file as a new column of "
@@ -250,7 +260,8 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("order",
                   "1 ranks from the smallest value up, -1 from the largest down. Optional: "
                   "omit for the smallest first. Default: 1"),
-             oper("delimiter", kDelimiter)}),
+             oper("delimiter", kDelimiter)},
+            command<&ranks_from_file>()),
         function(
             "freq",
             "Counts the distinct values of each variable of a table, with their fractions and "
@@ -258,7 +269,8 @@ const std::vector<FunctionInfo>& catalogue() {
             {oper("inputData", kDataWithHeaders),
              oper("includeMissing",
                   "1 counts empty cells in a Missing row and in the totals, 0 leaves them out. "
-                  "Optional: omit to leave them out. Default: 0")}),
+                  "Optional: omit to leave them out. Default: 0")},
+            command<&freq>()),
         function("freq_from_file",
                  "Counts the distinct values of variables of a delimited data file, with their "
                  "fractions and cumulative counts",
@@ -266,7 +278,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("delimiter", kDelimiter),
                   oper("includeMissing",
                        "1 counts empty fields in a Missing row and in the totals, 0 leaves them "
-                       "out. Optional: omit to leave them out. Default: 0")}),
+                       "out. Optional: omit to leave them out. Default: 0")},
+                 command<&freq_from_file>()),
         function("freq_2d",
                  "Cross-tabulates two variables, as a two-way table or as a list of pairs",
                  {oper("x1", "First variable, one column with its name in the first cell"),
@@ -278,7 +291,8 @@ const std::vector<FunctionInfo>& catalogue() {
                        "omit for a table. Default: TABLE"),
                   oper("output",
                        "Up to four letters Y or N that show or hide Freq, Percent, RowPct and "
-                       "ColPct, in this order. Optional: omit for all four. Default: YYYY")}),
+                       "ColPct, in this order. Optional: omit for all four. Default: YYYY")},
+                 command<&freq_2d>()),
         function("freq_2d_from_file",
                  "Cross-tabulates two variables of a delimited data file, as a two-way table or as "
                  "a list of pairs",
@@ -290,29 +304,34 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("output",
                        "Up to four letters Y or N that show or hide Freq, Percent, RowPct and "
                        "ColPct, in this order. Optional: omit for all four. Default: YYYY"),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&freq_2d_from_file>()),
         function("means",
                  "Computes the count, sum, mean, population standard deviation, minimum and "
                  "maximum of each variable",
                  {oper("inputData",
                        "Table of variables with their names in the first row; a cell that is not a "
-                       "number counts as missing for its variable")}),
+                       "number counts as missing for its variable")},
+                 command<&means>()),
         function("means_from_file",
                  "Computes the count, sum, mean, population standard deviation, minimum and "
                  "maximum of variables of a delimited data file",
                  {oper("filename", kFilename), oper("varNames", kVarNames),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&means_from_file>()),
         function("univariate",
                  "Computes the count, sum, mean, sample standard deviation, percentiles and five "
                  "smallest and largest values of each variable",
                  {oper("inputData",
                        "Table of variables with their names in the first row; a cell that is not a "
-                       "number counts as missing for its variable")}),
+                       "number counts as missing for its variable")},
+                 command<&univariate>()),
         function("univariate_from_file",
                  "Computes the count, sum, mean, sample standard deviation, percentiles and five "
                  "smallest and largest values of variables of a delimited data file",
                  {oper("filename", kFilename), oper("varNames", kVarNames),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&univariate_from_file>()),
         function("percentiles",
                  "Computes percentiles of a variable without interpolation, over all values or by "
                  "class",
@@ -320,7 +339,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("p", "Probabilities between 0 and 1, in one row or one column"),
                   oper("classVar",
                        "Class of each value of x, of the same size as x. Optional: omit for one "
-                       "group. Default: all values in one group")}),
+                       "group. Default: all values in one group")},
+                 command<&percentiles>()),
         function("summary",
                  "Computes weighted statistics of analysis variables in the groups of class "
                  "variables",
@@ -332,7 +352,8 @@ const std::vector<FunctionInfo>& catalogue() {
                        "every subset of them. Optional: omit for all together. Default: 1"),
                   oper("output",
                        "Statistics to show, among Sum, Avg, Stdev, Min and Max, in one row or one "
-                       "column. Optional: omit for all five. Default: Sum, Avg, Stdev, Min, Max")}),
+                       "column. Optional: omit for all five. Default: Sum, Avg, Stdev, Min, Max")},
+                 command<&summary>()),
         function("summary_from_file",
                  "Computes weighted statistics of analysis variables of a delimited data file in "
                  "the groups of class variables",
@@ -343,25 +364,28 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("nway",
                        "1 for the groups of all class variables together, 0 for the groups of "
                        "every subset of them. Optional: omit for all together. Default: 1"),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&summary_from_file>()),
         function(
             "binning", "Counts the values of a variable in bins of equal width between two bounds",
             {oper("inputData", kColumnData),
              plain("lower", "Lower bound of the first bin; smaller values fall in the first bin"),
              plain("upper", "Upper bound of the last bin; larger values fall in the last bin"),
-             plain("numBins", "Number of bins")}),
+             plain("numBins", "Number of bins")},
+            command<&binning>()),
         function(
             "QQ_plot",
             "Pairs the sorted values of a variable with the standard normal quantiles of their "
             "probability levels, for a normal QQ plot",
-            {oper("inputData", kColumnData)}),
+            {oper("inputData", kColumnData)}, command<&QQ_plot>()),
         function("variable_corr_select",
                  "Finds the pairs of x variables whose correlation reaches a cut-off and keeps, of "
                  "each pair, the variable closer to y",
                  {oper("x", kX), oper("y", kY),
                   oper("corrCutOff",
                        "Absolute correlation between 0 and 1 at or above which a pair is reported"),
-                  oper("weight", kWeight)}),
+                  oper("weight", kWeight)},
+                 command<&variable_corr_select>()),
         function("poly_roots",
                  "Finds the real and complex roots of a polynomial from its coefficients",
                  {oper("coefs",
@@ -1542,52 +1566,64 @@ const std::vector<FunctionInfo>& catalogue() {
 
         // Probability
         function("prob_normal", "Returns the standard normal distribution function at z",
-                 {plain("z", "Value at which to evaluate the distribution function")}),
+                 {plain("z", "Value at which to evaluate the distribution function")},
+                 command<&prob_normal>()),
         function("prob_normal_inv", "Returns the standard normal quantile of a probability",
-                 {plain("p", "Probability; 0 and 1 give -26 and 26 times the square root of 2")}),
-        function("prob_normal_table", "Tabulates the standard normal distribution function", {}),
+                 {plain("p", "Probability; 0 and 1 give -26 and 26 times the square root of 2")},
+                 command<&prob_normal_inv>()),
+        function("prob_normal_table", "Tabulates the standard normal distribution function", {},
+                 command<&prob_normal_table>()),
         function("prob_t", "Returns the Student t distribution function at t",
                  {plain("t", "Value at which to evaluate the distribution function"),
-                  plain("df", "Degrees of freedom, positive")}),
+                  plain("df", "Degrees of freedom, positive")},
+                 command<&prob_t>()),
         function("prob_t_inv", "Returns the Student t quantile of a probability",
                  {plain("p", "Probability between 0 and 1"),
-                  plain("df", "Degrees of freedom, positive")}),
-        function("prob_t_table", "Tabulates percentiles of the Student t distribution", {}),
+                  plain("df", "Degrees of freedom, positive")},
+                 command<&prob_t_inv>()),
+        function("prob_t_table", "Tabulates percentiles of the Student t distribution", {},
+                 command<&prob_t_table>()),
         function("prob_chi",
                  "Returns the chi-squared distribution function at c, central or non-central",
                  {plain("c", "Non-negative value at which to evaluate the distribution function"),
                   plain("df", "Degrees of freedom, positive"),
                   oper("nc",
                        "Non-centrality, non-negative. Optional: omit for the central distribution. "
-                       "Default: 0")}),
+                       "Default: 0")},
+                 command<&prob_chi>()),
         function(
             "prob_chi_inv",
             "Returns the chi-squared quantile of a probability, central or non-central",
             {plain("p", "Probability between 0 and 1"), plain("df", "Degrees of freedom, positive"),
              oper("nc",
                   "Non-centrality, non-negative. Optional: omit for the central distribution. "
-                  "Default: 0")}),
+                  "Default: 0")},
+            command<&prob_chi_inv>()),
         function("prob_chi_table", "Tabulates percentiles of the chi-squared distribution",
                  {oper("nc",
                        "Non-centrality, non-negative. Optional: omit for the central distribution. "
-                       "Default: 0")}),
+                       "Default: 0")},
+                 command<&prob_chi_table>()),
         function("prob_f", "Returns the F distribution function at f",
                  {plain("f", "Value at which to evaluate the distribution function"),
                   plain("df1", "Degrees of freedom of the numerator, positive"),
-                  plain("df2", "Degrees of freedom of the denominator, positive")}),
+                  plain("df2", "Degrees of freedom of the denominator, positive")},
+                 command<&prob_f>()),
         function("prob_f_inv", "Returns the F quantile of a probability",
                  {plain("p", "Probability between 0 and 1"),
                   plain("df1", "Degrees of freedom of the numerator, positive"),
-                  plain("df2", "Degrees of freedom of the denominator, positive")}),
-        function(
-            "prob_f_table", "Tabulates percentiles of the F distribution at one probability",
-            {oper("p", "Probability between 0 and 1. Optional: omit for 0.95. Default: 0.95")}),
+                  plain("df2", "Degrees of freedom of the denominator, positive")},
+                 command<&prob_f_inv>()),
+        function("prob_f_table", "Tabulates percentiles of the F distribution at one probability",
+                 {oper("p", "Probability between 0 and 1. Optional: omit for 0.95. Default: 0.95")},
+                 command<&prob_f_table>()),
         function("Cornish_Fisher_expansion",
                  "Adjusts a normal percentile for skewness and kurtosis by the Cornish-Fisher "
                  "expansion",
                  {plain("cl", "Confidence level, strictly between 0 and 1"),
                   plain("skewness", "Skewness of the distribution"),
-                  plain("kurtosis", "Excess kurtosis of the distribution")}),
+                  plain("kurtosis", "Excess kurtosis of the distribution")},
+                 command<&Cornish_Fisher_expansion>()),
     };
     return functions;
 }

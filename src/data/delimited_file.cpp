@@ -357,55 +357,82 @@ namespace {
 
 constexpr long long kParallelBytes = 8 << 20;
 
-struct XywColumns {
-    std::vector<std::size_t> x;
-    std::size_t y = 0, weight = 0, needed = 0;
-    bool has_weight = false;
-};
-
-// The complete records of one stretch of a data file. A short line stops the
-// stretch; its number counts from the stretch's first line.
-struct XywPart {
-    dmat x;
-    dvec y, weight;
+// What reading one stretch of a data file came to: its line count, and the
+// first short line, counted from the stretch's first line, or a failure.
+struct Stretch {
     long long lines = 0;
     long long short_line = 0;
     std::size_t short_line_fields = 0;
     std::exception_ptr failure;
 };
 
-void read_xyw_part(const std::string& filename, long long begin, long long end, char delimiter,
-                   const XywColumns& columns, XywPart& part) {
+// Calls `use(fields)` for each record of the lines in [begin, end), split up
+// to the field at `needed`. A short line stops the stretch.
+template <class Use>
+void read_stretch(const std::string& filename, long long begin, long long end, char delimiter,
+                  std::size_t needed, Stretch& stretch, Use use) {
     try {
         LineReader reader(filename, begin, end);
         std::vector<std::string_view> fields;
-        const std::size_t p = columns.x.size();
-        dvec row(p);
         while (const char* line = reader.read_line()) {
-            ++part.lines;
-            const std::string_view text(line, reader.length());
-            if (!split_record(text, delimiter, columns.needed, fields)) {
-                part.short_line = part.lines;
-                part.short_line_fields = fields.size();
+            ++stretch.lines;
+            if (!split_record(std::string_view(line, reader.length()), delimiter, needed, fields)) {
+                stretch.short_line = stretch.lines;
+                stretch.short_line_fields = fields.size();
                 return;
             }
-            bool complete = true;
-            for (std::size_t j = 0; j < p && complete; ++j)
-                complete = parse_number(fields[columns.x[j]], row[j]);
-            double y = 0.0, w = 1.0;
-            complete = complete && parse_number(fields[columns.y], y);
-            if (columns.has_weight)
-                complete = complete && parse_number(fields[columns.weight], w);
-            if (!complete)
-                continue;
-            part.x.push_back(row);
-            part.y.push_back(y);
-            part.weight.push_back(w);
+            use(fields);
         }
     } catch (...) {
-        part.failure = std::current_exception();
+        stretch.failure = std::current_exception();
     }
 }
+
+// Reads the records of a data file into parts, each a Stretch with what
+// `use(fields, part)` gathers. A large file is read in two halves at once, one
+// for each core; the parts come back in file order and a failure names its
+// line as counted from the top of the file.
+template <class Part, class Use>
+std::vector<Part> read_records(const std::string& filename, char delimiter, std::size_t needed,
+                               Use use) {
+    const long long data_begin = line_start_from(filename, 1);
+    const long long size = file_size(filename);
+    auto read_part = [&](long long begin, long long end, Part& part) {
+        read_stretch(filename, begin, end, delimiter, needed, part,
+                     [&](const std::vector<std::string_view>& fields) { use(fields, part); });
+    };
+    std::vector<Part> parts;
+    if (size - data_begin < kParallelBytes) {
+        parts.resize(1);
+        read_part(data_begin, -1, parts[0]);
+    } else {
+        const long long middle = line_start_from(filename, data_begin + (size - data_begin) / 2);
+        parts.resize(2);
+        std::thread second([&] { read_part(middle, -1, parts[1]); });
+        read_part(data_begin, middle, parts[0]);
+        second.join();
+    }
+    long long lines_before = 0;
+    for (Part& part : parts) {
+        if (part.failure)
+            std::rethrow_exception(part.failure);
+        if (part.short_line > 0)
+            throw short_line_text(lines_before + part.short_line, part.short_line_fields, filename);
+        lines_before += part.lines;
+    }
+    return parts;
+}
+
+template <class T>
+void append_moved(std::vector<T>& to, std::vector<T>& from) {
+    to.reserve(to.size() + from.size());
+    std::move(from.begin(), from.end(), std::back_inserter(to));
+}
+
+struct XywPart : Stretch {
+    dmat x;
+    dvec y, weight;
+};
 
 }  // namespace
 
@@ -427,61 +454,66 @@ XYW read_xyw_from_file(const std::string& filename, const CellMatrix& x_names,
             : "weight";
 
     const svec head = read_head(filename, delimiter);
-    XywColumns columns;
+    std::vector<std::size_t> x_columns;
     for (const std::string& name : out.x_names)
-        columns.x.push_back(find_variable(head, name));
-    columns.y = find_variable(head, out.y_name);
-    columns.has_weight = out.has_weight;
-    columns.weight = out.has_weight ? find_variable(head, out.weight_name) : 0;
-    columns.needed = std::max({largest(columns.x), columns.y, columns.weight});
+        x_columns.push_back(find_variable(head, name));
+    const std::size_t y_column = find_variable(head, out.y_name);
+    const bool has_weight = out.has_weight;
+    const std::size_t w_column = has_weight ? find_variable(head, out.weight_name) : 0;
+    const std::size_t needed = std::max({largest(x_columns), y_column, w_column});
 
-    // A large file is read in two halves at once, one for each core; the
-    // records keep their order and the lines their numbers.
-    const long long data_begin = line_start_from(filename, 1);
-    const long long size = file_size(filename);
-    std::vector<XywPart> parts;
-    if (size - data_begin < kParallelBytes) {
-        parts.resize(1);
-        read_xyw_part(filename, data_begin, -1, delimiter, columns, parts[0]);
-    } else {
-        const long long middle = line_start_from(filename, data_begin + (size - data_begin) / 2);
-        parts.resize(2);
-        std::thread second(
-            [&] { read_xyw_part(filename, middle, -1, delimiter, columns, parts[1]); });
-        read_xyw_part(filename, data_begin, middle, delimiter, columns, parts[0]);
-        second.join();
-    }
-
-    long long lines_before = 0;
+    const std::size_t p = x_columns.size();
+    std::vector<XywPart> parts =
+        read_records<XywPart>(filename, delimiter, needed,
+                              [&](const std::vector<std::string_view>& fields, XywPart& part) {
+                                  dvec row(p);
+                                  for (std::size_t j = 0; j < p; ++j)
+                                      if (!parse_number(fields[x_columns[j]], row[j]))
+                                          return;
+                                  double y = 0.0, w = 1.0;
+                                  if (!parse_number(fields[y_column], y))
+                                      return;
+                                  if (has_weight && !parse_number(fields[w_column], w))
+                                      return;
+                                  part.x.push_back(std::move(row));
+                                  part.y.push_back(y);
+                                  part.weight.push_back(w);
+                              });
     for (XywPart& part : parts) {
-        if (part.failure)
-            std::rethrow_exception(part.failure);
-        if (part.short_line > 0)
-            throw short_line_text(lines_before + part.short_line, part.short_line_fields, filename);
-        lines_before += part.lines;
-    }
-    out.x = std::move(parts[0].x);
-    out.y = std::move(parts[0].y);
-    out.weight = std::move(parts[0].weight);
-    for (std::size_t i = 1; i < parts.size(); ++i) {
-        out.x.reserve(out.x.size() + parts[i].x.size());
-        std::move(parts[i].x.begin(), parts[i].x.end(), std::back_inserter(out.x));
-        out.y.insert(out.y.end(), parts[i].y.begin(), parts[i].y.end());
-        out.weight.insert(out.weight.end(), parts[i].weight.begin(), parts[i].weight.end());
+        append_moved(out.x, part.x);
+        append_moved(out.y, part.y);
+        append_moved(out.weight, part.weight);
     }
     return out;
 }
 
-std::vector<dvec> read_numeric_columns(const std::string& filename, const svec& names,
-                                       char delimiter) {
-    DataFile file(filename, delimiter);
-    const std::vector<std::size_t> columns = file.columns_of(names);
-    std::vector<dvec> out(names.size());
-    double value;
-    for (long long line = 1; file.next(delimiter, largest(columns), line); ++line)
-        for (std::size_t j = 0; j < columns.size(); ++j)
-            if (parse_number(file.fields[columns[j]], value))
-                out[j].push_back(value);
+NumericColumns read_numeric_columns(const std::string& filename, const svec& names,
+                                    char delimiter) {
+    const svec head = read_head(filename, delimiter);
+    std::vector<std::size_t> columns;
+    for (const std::string& name : names)
+        columns.push_back(find_variable(head, name));
+
+    struct Part : Stretch {
+        std::vector<dvec> values;
+    };
+    std::vector<Part> parts =
+        read_records<Part>(filename, delimiter, largest(columns),
+                           [&](const std::vector<std::string_view>& fields, Part& part) {
+                               if (part.values.empty())
+                                   part.values.resize(columns.size());
+                               double value;
+                               for (std::size_t j = 0; j < columns.size(); ++j)
+                                   if (parse_number(fields[columns[j]], value))
+                                       part.values[j].push_back(value);
+                           });
+    NumericColumns out;
+    out.values.resize(names.size());
+    for (Part& part : parts) {
+        out.records += part.lines;
+        for (std::size_t j = 0; j < part.values.size(); ++j)
+            append_moved(out.values[j], part.values[j]);
+    }
     return out;
 }
 

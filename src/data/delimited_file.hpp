@@ -72,9 +72,13 @@ std::size_t find_variable_in_data(const svec& names, const std::string& wanted);
 XYW read_xyw_from_file(const std::string& filename, const CellMatrix& x_names,
                        const CellMatrix& y_name, const CellMatrix& weight_name, char delimiter);
 
-// One vector per variable, each keeping only the fields that are numbers.
-std::vector<dvec> read_numeric_columns(const std::string& filename, const svec& names,
-                                       char delimiter);
+// One vector per variable, each keeping only the fields that are numbers, and
+// the number of records read.
+struct NumericColumns {
+    std::vector<dvec> values;
+    long long records = 0;
+};
+NumericColumns read_numeric_columns(const std::string& filename, const svec& names, char delimiter);
 
 // The data table of the named variables with its valid mask, as from a cell
 // table; a limit above 0 stops after that many data lines.

@@ -100,8 +100,46 @@ check "-- ends the options" 1 "" "Input data table is empty" \
 check "a failure prints its text and exits 1" 1 "" \
     "The numbers of observations in input data X, Y, and weight must be the same" \
     -- "$Z" call linear_reg @x.csv '{"y";1;2}'
-check "an unbuilt function says so" 1 "" "prob_normal is not available in this build" \
-    -- "$Z" call prob_normal 0.5
+check "an unbuilt function says so" 1 "" "corresp_analysis is not available in this build" \
+    -- "$Z" call corresp_analysis '{1,2;3,4}'
+
+# --- probability: plain numbers in, a number or a titled table out
+check "the normal quantile of 0 is a number, not a failure" 0 "-36.76955262170047" "" \
+    -- "$Z" call prob_normal_inv 0
+check "nc may be left out or named" 0 $'0.6321205588285577\n0.8413444594169711' "" \
+    -- bash -c "\"$Z\" call prob_chi 2 2; \"$Z\" call prob_chi c=9 df=1 nc=4"
+check "each table's example stands in it" 0 $'2.18,0.9853712692240107\n10,9.341817765591967\n6,4.387374187406127' "" \
+    -- bash -c "\"$Z\" call prob_normal_table --format csv | sed -n 222p
+                \"$Z\" call prob_chi_table --format csv | sed -n 12p | cut -d, -f1,8
+                \"$Z\" call prob_f_table --format csv | sed -n 8p | cut -d, -f1,6"
+check "the t table is 103 by 7 and ends on the normal quantiles" 0 \
+    $'103 7\nInfinity,0.6744897501960818,1.2815515655446008,1.6448536269514724,1.959963984540054,2.3263478740408408,2.5758293035489004' "" \
+    -- bash -c "\"$Z\" call prob_t_table --format csv | awk -F, '{n++} END {print n, NF}'
+                \"$Z\" call prob_t_table --format csv | tail -1"
+check "prob_f_table wants p between 0 and 1" 1 "" "Input p must be a number between 0 and 1" \
+    -- "$Z" call prob_f_table 1.5
+check "a domain failure in Boost.Math shows Boost's text" 1 "" \
+    "Error in function boost::math::students_t_distribution<double>::students_t_distribution: Degrees of freedom argument is 0, but must be > 0 !" \
+    -- "$Z" call prob_t 1 0
+
+# --- descriptive statistics: a table and its file twin give the same report
+check "means: population stdev, extremes" 0 'Variable,Nmiss,Freq,Sum,Avg,Stdev,Min,Max
+x1,0,6,21,3.5,1.707825127659933,1,6
+x2,0,6,28,4.666666666666667,2.981423969999719,1,9' "" -- "$Z" call means @x.csv --format csv
+check "univariate_from_file reports as univariate of the same cells" 0 \
+    "$("$Z" call univariate @x.csv --format csv)" "" \
+    -- "$Z" call univariate_from_file x.csv '{"x1","x2"}' --format csv
+check "univariate: sample stdev and the median at index trunc(n / 2)" 0 "1.8708286933869704,4" "" \
+    -- bash -c "\"$Z\" call univariate @x.csv --format csv | sed -n 2p | cut -d, -f6,12"
+check "ranks_from_file appends rank groups with ties kept together" 0 \
+    $'The ranks r have been appended in the file ranked.csv\nx1,x2,r\n1,5,2\n2,3,2\n3,8,3\n4,1,1\n5,2,1\n6,9,3' "" \
+    -- bash -c "\"$Z\" call ranks_from_file x2 x.csv r ranked.csv 3 && cat ranked.csv"
+check "QQ_plot: levels (i - 0.5) / n beside the sorted values" 0 \
+    $'#,Prob level,y\n1,0.08333333333333333,1\n2,0.25,2\n6,0.9166666666666666,6' "" \
+    -- bash -c "\"$Z\" call QQ_plot @y.csv --format csv | cut -d, -f1,2,4 | sed -n '1,3p;7p'"
+check "percentiles wants p between 0 and 1" 1 "" \
+    "Input percentiles p must be numbers between 0 and 1 inclusive in one row or one column" \
+    -- "$Z" call percentiles @y.csv 1.5
 
 # --- bad input to the driver itself: one line, a non-zero status
 check "unknown function" 2 "" "zentable: unknown function nope (zentable list shows them all)" \

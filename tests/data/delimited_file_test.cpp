@@ -289,9 +289,10 @@ TEST(ReadXywFromFile, KeepsCompleteRecordsAndNamesItsFailures) {
 TEST(Readers, ColumnsTablesTextsAndWholeTables) {
     const std::string path = temp_file(
         "readers.csv", "id,score,grade,city\n1,2.5,A, Paris \n2,,B,Oslo\n3,x,C,Rome\n4,4,D,Lima\n");
-    const auto columns = read_numeric_columns(path, {"score", "id"}, ',');
-    EXPECT_EQ(columns[0], (dvec{2.5, 4}));
-    EXPECT_EQ(columns[1], (dvec{1, 2, 3, 4}));
+    const NumericColumns columns = read_numeric_columns(path, {"score", "id"}, ',');
+    EXPECT_EQ(columns.values[0], (dvec{2.5, 4}));
+    EXPECT_EQ(columns.values[1], (dvec{1, 2, 3, 4}));
+    EXPECT_EQ(columns.records, 4);
 
     const NamedTable limited = read_numeric_table(path, {"id", "score"}, ',', 3);
     ASSERT_EQ(limited.data.size(), 3u);
@@ -380,6 +381,10 @@ TEST(ReadXywFromFile, LargeFilesReadInHalvesKeepOrderAndLineNumbers) {
         ASSERT_EQ(d.y[k], i + 0.5);
         ++k;
     }
+
+    const NumericColumns ys = read_numeric_columns(path, {"y"}, ',');
+    EXPECT_EQ(ys.records, records);
+    EXPECT_EQ(ys.values[0], d.y);
 
     // A short line far into the second half, and a NUL that ends a line's text.
     std::string broken = content;

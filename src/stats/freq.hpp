@@ -1,0 +1,54 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "numeric/matrix.hpp"
+#include "xlw/cell_matrix.hpp"
+#include "xlw/decoders.hpp"
+
+namespace zentable {
+
+// freq(inputData, includeMissing): one block of counts per variable of a table.
+CellMatrix freq(const CellMatrix& inputData, const CellMatrix& includeMissing);
+
+// The same blocks for variables of a delimited file, read by name.
+CellMatrix freq_from_file(const std::string& filename, const CellMatrix& varNames,
+                          const CellMatrix& delimiter, const CellMatrix& includeMissing);
+
+// The report over decoded text columns; both forms of freq end here.
+CellMatrix freq_report(const svec& names, const std::vector<svec>& columns, bool includeMissing);
+
+// The distinct values of a text column in report order. A column whose first
+// non-empty value is a number is keyed by value, otherwise by text; the empty
+// text is missing and has no level.
+struct FreqLevels {
+    static constexpr int kMissing = -1;
+
+    bool numeric = false;
+    svec labels;              // the text of each level, for text keys
+    dvec values;              // the value of each level, for numeric keys
+    std::vector<int> counts;  // records at each level
+    std::vector<int> codes;   // per record: its level, or kMissing
+    int missing = 0;          // records with the empty text
+
+    std::size_t size() const { return counts.size(); }
+    // Writes level i as a number or a text, as it was keyed.
+    void write(CellValue& cell, std::size_t i) const;
+};
+FreqLevels make_freq_levels(const svec& texts);
+
+// The value of a field in a numerically keyed column: the number it reads as,
+// else the C library's atof of it, as the lenient conversions do.
+double freq_numeric_key(const std::string& text);
+
+// Strict weak order on doubles with every NaN equal and after all numbers, so
+// that atof's NaN cannot break a sorted container.
+struct FreqKeyLess {
+    bool operator()(double a, double b) const;
+};
+
+// The list of variable names that a _from_file command requires.
+svec read_file_variable_names(const CellMatrix& names, const std::string& missing_message);
+
+}  // namespace zentable
