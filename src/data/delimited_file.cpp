@@ -394,20 +394,30 @@ void read_stretch(const std::string& filename, long long begin, long long end, c
 // line as counted from the top of the file.
 template <class Part, class Use>
 std::vector<Part> read_records(const std::string& filename, char delimiter, std::size_t needed,
-                               Use use) {
+                               const Part& empty_part, Use use) {
     const long long data_begin = line_start_from(filename, 1);
     const long long size = file_size(filename);
+    // Room for the records guessed from the first record's length, so that
+    // the columns grow without copies; untouched room costs no memory.
+    const long long first_record = line_start_from(filename, data_begin + 1) - data_begin;
+    auto guess = [&](long long bytes) {
+        return first_record > 0 ? static_cast<std::size_t>(bytes / first_record * 5 / 4 + 16) : 16;
+    };
     auto read_part = [&](long long begin, long long end, Part& part) {
         read_stretch(filename, begin, end, delimiter, needed, part,
                      [&](const std::vector<std::string_view>& fields) { use(fields, part); });
     };
+    // The first part gets room for all records: the others are appended to it.
     std::vector<Part> parts;
     if (size - data_begin < kParallelBytes) {
-        parts.resize(1);
+        parts.assign(1, empty_part);
+        parts[0].expect(guess(size - data_begin));
         read_part(data_begin, -1, parts[0]);
     } else {
         const long long middle = line_start_from(filename, data_begin + (size - data_begin) / 2);
-        parts.resize(2);
+        parts.assign(2, empty_part);
+        parts[0].expect(guess(size - data_begin));
+        parts[1].expect(guess(size - middle));
         std::thread second([&] { read_part(middle, -1, parts[1]); });
         read_part(data_begin, middle, parts[0]);
         second.join();
@@ -432,6 +442,12 @@ void append_moved(std::vector<T>& to, std::vector<T>& from) {
 struct XywPart : Stretch {
     dmat x;
     dvec y, weight;
+
+    void expect(std::size_t records) {
+        x.reserve(records);
+        y.reserve(records);
+        weight.reserve(records);
+    }
 };
 
 }  // namespace
@@ -464,7 +480,7 @@ XYW read_xyw_from_file(const std::string& filename, const CellMatrix& x_names,
 
     const std::size_t p = x_columns.size();
     std::vector<XywPart> parts =
-        read_records<XywPart>(filename, delimiter, needed,
+        read_records<XywPart>(filename, delimiter, needed, XywPart{},
                               [&](const std::vector<std::string_view>& fields, XywPart& part) {
                                   dvec row(p);
                                   for (std::size_t j = 0; j < p; ++j)
@@ -479,10 +495,13 @@ XYW read_xyw_from_file(const std::string& filename, const CellMatrix& x_names,
                                   part.y.push_back(y);
                                   part.weight.push_back(w);
                               });
-    for (XywPart& part : parts) {
-        append_moved(out.x, part.x);
-        append_moved(out.y, part.y);
-        append_moved(out.weight, part.weight);
+    out.x = std::move(parts[0].x);
+    out.y = std::move(parts[0].y);
+    out.weight = std::move(parts[0].weight);
+    for (std::size_t i = 1; i < parts.size(); ++i) {
+        append_moved(out.x, parts[i].x);
+        append_moved(out.y, parts[i].y);
+        append_moved(out.weight, parts[i].weight);
     }
     return out;
 }
@@ -496,23 +515,29 @@ NumericColumns read_numeric_columns(const std::string& filename, const svec& nam
 
     struct Part : Stretch {
         std::vector<dvec> values;
+
+        void expect(std::size_t records) {
+            for (dvec& v : values)
+                v.reserve(records);
+        }
     };
+    Part empty_part;
+    empty_part.values.resize(columns.size());
     std::vector<Part> parts =
-        read_records<Part>(filename, delimiter, largest(columns),
-                           [&](const std::vector<std::string_view>& fields, Part& part) {
-                               if (part.values.empty())
-                                   part.values.resize(columns.size());
-                               double value;
-                               for (std::size_t j = 0; j < columns.size(); ++j)
-                                   if (parse_number(fields[columns[j]], value))
-                                       part.values[j].push_back(value);
-                           });
+        read_records(filename, delimiter, largest(columns), empty_part,
+                     [&](const std::vector<std::string_view>& fields, Part& part) {
+                         double value;
+                         for (std::size_t j = 0; j < columns.size(); ++j)
+                             if (parse_number(fields[columns[j]], value))
+                                 part.values[j].push_back(value);
+                     });
     NumericColumns out;
-    out.values.resize(names.size());
-    for (Part& part : parts) {
-        out.records += part.lines;
-        for (std::size_t j = 0; j < part.values.size(); ++j)
-            append_moved(out.values[j], part.values[j]);
+    out.values = std::move(parts[0].values);
+    out.records = parts[0].lines;
+    for (std::size_t i = 1; i < parts.size(); ++i) {
+        out.records += parts[i].lines;
+        for (std::size_t j = 0; j < columns.size(); ++j)
+            append_moved(out.values[j], parts[i].values[j]);
     }
     return out;
 }
