@@ -36,7 +36,8 @@ std::string number_text(double value) {
     if (std::isinf(value))
         return value > 0 ? "inf" : "-inf";
     char buffer[64];
-    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    const auto result =
+        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general);
     return std::string(buffer, result.ptr);
 }
 
