@@ -8,7 +8,9 @@
 #include <string>
 
 #include "data/delimited_file.hpp"
+#include "models/scoring.hpp"
 #include "regression/linear_reg.hpp"
+#include "regression/linear_reg_variants.hpp"
 
 namespace {
 
@@ -20,7 +22,8 @@ const std::string& data_file() {
         const std::string p = given ? given : "bench_numeric_1e6x20.csv";
         if (!std::ifstream(p)) {
             const std::string command = "./make_numeric_file " + p + " 1000000 20";
-            if (std::system(command.c_str()) != 0) std::abort();
+            if (std::system(command.c_str()) != 0)
+                std::abort();
         }
         return p;
     }();
@@ -29,7 +32,8 @@ const std::string& data_file() {
 
 CellMatrix x_names() {
     CellMatrix names(1, 20);
-    for (int j = 0; j < 20; ++j) names(0, j) = "x" + std::to_string(j + 1);
+    for (int j = 0; j < 20; ++j)
+        names(0, j) = "x" + std::to_string(j + 1);
     return names;
 }
 
@@ -55,6 +59,22 @@ void BM_FitFromFile(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_FitFromFile)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// Scoring a linear model over the whole file: read, predict, write a copy
+// with the score appended.
+void BM_ModelScoreFromFile(benchmark::State& state) {
+    const std::string& path = data_file();
+    const std::string model =
+        linear_reg_from_file(path, x_names(), CellMatrix("y"), CellMatrix(1, 1), CellMatrix(1, 1),
+                             CellMatrix(1, 1))(0, 0)
+            .StringValue();
+    for (auto _ : state) {
+        CellMatrix message = model_score_from_file(model, path, CellMatrix("yhat"),
+                                                   path + ".scored", CellMatrix(1, 1));
+        benchmark::DoNotOptimize(message);
+    }
+}
+BENCHMARK(BM_ModelScoreFromFile)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 #include "commands/catalogue.hpp"
 #include "commands/utility.hpp"
+#include "models/scoring.hpp"
 #include "numeric/prob_functions.hpp"
 #include "regression/linear_reg.hpp"
 #include "regression/linear_reg_variants.hpp"
@@ -480,19 +481,22 @@ const std::vector<FunctionInfo>& catalogue() {
                  {oper("model", kModel),
                   oper("x",
                        "Table of data with the variable names in the first row; a row with a "
-                       "missing value is scored as .")}),
+                       "missing value is scored as .")},
+                 command<&model_score>()),
         function("model_score_node",
                  "Returns the terminal node that each row of data reaches in each tree of a "
                  "logistic boosting tree model",
                  {oper("model", "Handle of a stored logistic regression boosting tree model"),
-                  oper("x", kDataWithHeaders)}),
+                  oper("x", kDataWithHeaders)},
+                 command<&model_score_node>()),
         function("model_score_from_file",
                  "Scores the records of a delimited data file with a stored model and appends the "
                  "scores to a copy of the file",
                  {oper("model", kModel), oper("infilename", "Path of the data file to score"),
                   oper("scoreName", "Name of the new column of scores"),
                   oper("outfilename", "Path of the file to write, other than infilename"),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&model_score_from_file>()),
         function(
             "model_save_scoring_code",
             "Writes a stored model as scoring code in SAS or C, or as PMML for a linear model, "

@@ -544,24 +544,53 @@ NumericColumns read_numeric_columns(const std::string& filename, const svec& nam
 
 NamedTable read_numeric_table(const std::string& filename, const svec& names, char delimiter,
                               long long record_limit) {
-    DataFile file(filename, delimiter);
-    const std::vector<std::size_t> columns = file.columns_of(names);
-    NamedTable out;
-    out.names = names;
-    for (long long line = 1; (record_limit <= 0 || line <= record_limit) &&
-                             file.next(delimiter, largest(columns), line);
-         ++line) {
+    const svec head = read_head(filename, delimiter);
+    std::vector<std::size_t> columns;
+    for (const std::string& name : names)
+        columns.push_back(find_variable(head, name));
+    // A field that is not a number keeps atof's value and spoils its record.
+    auto read_row = [&](const std::vector<std::string_view>& fields, dmat& data, bvec& valid) {
         dvec row(columns.size());
         bool complete = true;
         for (std::size_t j = 0; j < columns.size(); ++j) {
-            const std::string_view field = file.fields[columns[j]];
+            const std::string_view field = fields[columns[j]];
             if (!parse_number(field, row[j])) {
                 row[j] = atof_of(field);
                 complete = false;
             }
         }
-        out.data.push_back(std::move(row));
-        out.valid.push_back(complete);
+        data.push_back(std::move(row));
+        valid.push_back(complete);
+    };
+
+    NamedTable out;
+    out.names = names;
+    if (record_limit > 0) {
+        DataFile file(filename, delimiter);
+        for (long long line = 1;
+             line <= record_limit && file.next(delimiter, largest(columns), line); ++line)
+            read_row(file.fields, out.data, out.valid);
+        return out;
+    }
+    struct Part : Stretch {
+        dmat data;
+        bvec valid;
+
+        void expect(std::size_t records) {
+            data.reserve(records);
+            valid.reserve(records);
+        }
+    };
+    std::vector<Part> parts =
+        read_records(filename, delimiter, largest(columns), Part{},
+                     [&](const std::vector<std::string_view>& fields, Part& part) {
+                         read_row(fields, part.data, part.valid);
+                     });
+    out.data = std::move(parts[0].data);
+    out.valid = std::move(parts[0].valid);
+    for (std::size_t i = 1; i < parts.size(); ++i) {
+        append_moved(out.data, parts[i].data);
+        out.valid.insert(out.valid.end(), parts[i].valid.begin(), parts[i].valid.end());
     }
     return out;
 }
@@ -706,6 +735,25 @@ void append_vector(const std::string& infile, const std::string& outfile, const 
                               const auto at = static_cast<std::size_t>(i);
                               return at < values.size() ? number_text16(values[at]) : "";
                           });
+}
+
+void append_scores(const std::string& infile, const std::string& outfile, const dvec& scores,
+                   const bvec& valid, const std::string& score_name, char delimiter) {
+    const std::string failure = "append_vector to file " + outfile + " failed!";
+    std::size_t written = 0;
+    copy_with_new_columns(infile, outfile, "Error: cannot open input file " + infile,
+                          "Error: cannot open output file " + outfile, failure, delimiter,
+                          [&](long long i) -> std::string {
+                              if (i < 0)
+                                  return score_name;
+                              const auto at = static_cast<std::size_t>(i);
+                              ++written;
+                              if (at >= scores.size() || !valid[at])
+                                  return ".";
+                              return number_text16(scores[at]);
+                          });
+    if (written != scores.size())
+        throw failure;
 }
 
 void append_matrix(const std::string& infile, const std::string& outfile, const dmat& values,

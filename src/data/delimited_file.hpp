@@ -108,6 +108,10 @@ ClassAndNumbers read_two_name_lists(const std::string& filename, const svec& cla
 // from 0 after the head) at 16 significant digits, or empty past the values.
 void append_vector(const std::string& infile, const std::string& outfile, const dvec& values,
                    const std::string& new_name, char delimiter);
+// A copy of a file with each data line's score appended, "." where the line
+// is not valid; the scores must be as many as the data lines.
+void append_scores(const std::string& infile, const std::string& outfile, const dvec& scores,
+                   const bvec& valid, const std::string& score_name, char delimiter);
 // The same with several new columns, values[i] being line i's.
 void append_matrix(const std::string& infile, const std::string& outfile, const dmat& values,
                    const svec& new_names, char delimiter);
