@@ -173,6 +173,19 @@ ZT
 check_match "script: ranges, names and a call in one process" 0 \
     $'^#  Variable   Estimate\n0  Intercept +[-0-9.e]+\n\nlinearRegModel->[0-9]+\n' \
     -- "$Z" run fit.zt
+# The handle of a fit passed to a later line finds its model: the same process.
+printf 'x,y\n1,3\n2,5\n4,9\n' >line.csv
+cat >score.zt <<'ZT'
+data = @line.csv
+fit = linear_reg(data!A1:A4, data!B1:B4)
+model_score(fit!A1, {"x";10;"ten"})
+ZT
+check "script: a fit's handle scores data on a later line" 0 $'Y Predicted\n         21\n.' "" \
+    -- "$Z" run score.zt
+printf 'model_score(linearRegModel->1, {"x";1})\n' >stale.zt
+check "a handle from another process is gone" 1 "" \
+    'stale.zt:1: Error: could not find "linearRegModel->1" for linearRegModel; please rebuild the model.' \
+    -- "$Z" run stale.zt
 printf 'fit = linear_reg(@x.csv, @y.csv)\nprint fit!A1:Z99\n' >range.zt
 check "range outside a result" 2 "" "range.zt:2: range fit!A1:Z99 is outside fit, which is 26 by 6" \
     -- "$Z" run range.zt
