@@ -1,5 +1,6 @@
 #include "commands/catalogue.hpp"
 #include "commands/utility.hpp"
+#include "models/model_eval.hpp"
 #include "models/scoring.hpp"
 #include "numeric/prob_functions.hpp"
 #include "regression/linear_reg.hpp"
@@ -434,7 +435,8 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("yPredicted",
                   "Column of predicted probabilities with its name in the first cell"),
              oper("numBins", "Number of groups of the gains chart, a positive integer"),
-             oper("weight", kWeight)}),
+             oper("weight", kWeight)},
+            command<&model_bin_eval>()),
         function("model_bin_eval_from_file",
                  "Evaluates predictions of a binary target in a delimited data file by association "
                  "statistics and a gains chart",
@@ -442,7 +444,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("yActualName", "Name of the variable of actual values, 0 or 1"),
                   oper("yPredictedName", "Name of the variable of predicted probabilities"),
                   oper("numBins", "Number of groups of the gains chart, a positive integer"),
-                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)}),
+                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
+                 command<&model_bin_eval_from_file>()),
         function(
             "model_cont_eval",
             "Evaluates predictions of a continuous target by an analysis of variance and a "
@@ -451,7 +454,8 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("yPredicted", "Column of predicted values with its name in the first cell"),
              oper("numParams", "Number of parameters of the model, intercept included, at least 2"),
              oper("numBins", "Number of groups of the gains chart, a positive integer"),
-             oper("weight", kWeight)}),
+             oper("weight", kWeight)},
+            command<&model_cont_eval>()),
         function(
             "model_cont_eval_from_file",
             "Evaluates predictions of a continuous target in a delimited data file by an "
@@ -461,7 +465,8 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("yPredictedName", "Name of the variable of predicted values"),
              oper("numParams", "Number of parameters of the model, intercept included, at least 2"),
              oper("numBins", "Number of groups of the gains chart, a positive integer"),
-             oper("weightName", kWeightName), oper("delimiter", kDelimiter)}),
+             oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
+            command<&model_cont_eval_from_file>()),
         function("model_eval",
                  "Scores data with a stored model and evaluates the predictions against the actual "
                  "values",
@@ -469,14 +474,16 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("x", "Table of the model's variables with their names in the first row"),
                   oper("y", "Column of actual values with its name in the first cell"),
                   oper("numBins", "Number of groups of the gains chart, a positive integer"),
-                  oper("weight", kWeight)}),
+                  oper("weight", kWeight)},
+                 command<&model_eval>()),
         function("model_eval_from_file",
                  "Scores a delimited data file with a stored model and evaluates the predictions "
                  "against the actual values",
                  {oper("model", kModel), oper("filename", kFilename),
                   oper("yName", "Name of the variable of actual values"),
                   oper("numBins", "Number of groups of the gains chart, a positive integer"),
-                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)}),
+                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
+                 command<&model_eval_from_file>()),
         function("model_score", "Scores data with a stored model, one prediction for each row",
                  {oper("model", kModel),
                   oper("x",

@@ -200,6 +200,20 @@ printf 'print nothing\n' >noname.zt
 check "an unknown result" 2 "" "noname.zt:1: no earlier result is named nothing" -- "$Z" run noname.zt
 check "a missing script" 2 "" "zentable: cannot open script none.zt" -- "$Z" run none.zt
 
+# --- model evaluation: scores given as cells, and a fit's handle evaluated on its data
+check "model_bin_eval: pair statistics and the closing gains row" 0 \
+    $'#Pairs,9,c,0.7777777777777778\nTotal,6,3,0.2,0.9,0.5833333333333334,0.5,6,3,0.5,1,0.3333333333333333,1' "" \
+    -- bash -c "\"$Z\" call model_bin_eval '{\"y\";1;0;1;1;0;0}' '{\"p\";0.9;0.8;0.7;0.6;0.3;0.2}' 2 --format csv | sed -n '6p;11p' | cut -d, -f1-13 | sed 's/,*$//'"
+cat >eval.zt <<'ZT'
+fit = linear_reg(@x.csv, @y.csv)
+model_eval(fit!A1, @x.csv, @y.csv, 2)
+ZT
+check "script: model_eval of a fit reports under the model's class" 0 \
+    $'linearRegModel Performance\nNumber of Parameters,3\nEnd of output: model_eval' "" \
+    -- bash -c "\"$Z\" run eval.zt --format csv | sed -n '1p;6p;\$p' | sed 's/,*$//'"
+check "model_eval_from_file wants numBins of at least 1" 1 "" "numBins must be a positive integer" \
+    -- "$Z" call model_eval_from_file linearRegModel->1 xy.csv y 0
+
 # --- the demo on the shipped example data
 cp "$EXAMPLES/credit.csv" "$EXAMPLES/demo.zt" .
 check_match "demo" 0 $'^Zentable 2\\.00 is built on .*\nlinearRegModel->[0-9]+\n.*Number of Records +2866\n.*End of output: linear_reg' \
