@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <vector>
 
 namespace zentable::cli {
@@ -35,10 +37,23 @@ std::string number_text(double value) {
         return "nan";
     if (std::isinf(value))
         return value > 0 ? "inf" : "-inf";
+    // As few significant digits as read back to the same double, laid out as
+    // %g lays them out; whole numbers below 1e16 stay plain.
+    char shortest[64];
+    char* const end = std::to_chars(shortest, shortest + sizeof shortest - 1, value,
+                                    std::chars_format::scientific)
+                          .ptr;
+    *end = '\0';  // the exponent is read up to here, not into older text
+    int digits = 0;
+    const char* c = shortest;
+    for (; c < end && *c != 'e'; ++c)
+        digits += *c >= '0' && *c <= '9';
+    const int exponent = c < end ? std::atoi(c + 1) : 0;
+    if (exponent >= 0 && exponent < 16)
+        digits = std::max(digits, exponent + 1);
     char buffer[64];
-    const auto result =
-        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general);
-    return std::string(buffer, result.ptr);
+    std::snprintf(buffer, sizeof buffer, "%.*g", digits, value);
+    return buffer;
 }
 
 std::string quoted(const std::string& text, char quote_char) {

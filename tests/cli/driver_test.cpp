@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -83,6 +84,27 @@ TEST(Driver, BindsArgumentsByPositionAndName) {
     EXPECT_THROW(bind_arguments(f, {{"", one}, {"", one}, {"", one}, {"", one}, {"", one}}),
                  DriverError);
     EXPECT_EQ(&function_named("LINEAR_REG"), &f);
+}
+
+}  // namespace
+}  // namespace zentable::cli
+
+namespace zentable::cli {
+namespace {
+
+TEST(Driver, NumbersPrintShortestAndReadBackExactly) {
+    auto text = [](double v) { return cell_text(CellMatrix(v)(0, 0)); };
+    EXPECT_EQ(text(34077421.54873547), "34077421.54873547");
+    EXPECT_EQ(text(0.0002), "0.0002");
+    EXPECT_EQ(text(1e-5), "1e-05");
+    EXPECT_EQ(text(1e20), "1e+20");
+    EXPECT_EQ(text(0.1), "0.1");
+    EXPECT_EQ(text(-3), "-3");
+    EXPECT_EQ(text(10), "10");
+    EXPECT_EQ(text(123456789012.0), "123456789012");
+    EXPECT_EQ(text(1e16), "1e+16");
+    for (double v : {1.0 / 3.0, 2.0 / 3.0 * 1e-300, 123456789.123456789, 5e-324})
+        EXPECT_EQ(std::strtod(text(v).c_str(), nullptr), v) << text(v);
 }
 
 }  // namespace
