@@ -32,7 +32,7 @@ if(NOT EXISTS ${EXPRTK_HEADER})
   find_program(NPM npm REQUIRED)
   find_program(PATCH patch REQUIRED)
   execute_process(
-    COMMAND ${NPM} pack exprtk.js@${EXPRTK_VERSION} --silent
+    COMMAND ${NPM} pack exprtk.js@${EXPRTK_VERSION} --silent --cache ${EXPRTK_ROOT}/npm-cache
     OUTPUT_QUIET
     WORKING_DIRECTORY ${EXPRTK_ROOT}
     RESULT_VARIABLE npm_result)
