@@ -5,6 +5,7 @@
 #include "numeric/prob_functions.hpp"
 #include "regression/linear_reg.hpp"
 #include "regression/linear_reg_variants.hpp"
+#include "regression/logistic_reg.hpp"
 #include "stats/binning.hpp"
 #include "stats/freq.hpp"
 #include "stats/freq_2d.hpp"
@@ -718,13 +719,15 @@ const std::vector<FunctionInfo>& catalogue() {
         function("logistic_reg",
                  "Fits a weighted binary logistic regression by maximum likelihood, and files the "
                  "model",
-                 {oper("x", kX), oper("y", kBinaryY), oper("weight", kWeight)}),
+                 {oper("x", kX), oper("y", kBinaryY), oper("weight", kWeight)},
+                 command<&logistic_reg>()),
         function("logistic_reg_from_file",
                  "Fits a weighted binary logistic regression on a delimited data file by maximum "
                  "likelihood, and files the model",
                  {oper("filename", kFilename), oper("xNames", kXNames),
                   oper("yName", "Name of the binary y variable in the file"),
-                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)}),
+                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
+                 command<&logistic_reg_from_file>()),
         function("logistic_reg_forward_select",
                  "Selects the x variables of a logistic regression one at a time by score tests, "
                  "and files the final model",
@@ -741,7 +744,8 @@ const std::vector<FunctionInfo>& catalogue() {
         function("logistic_reg_score_from_coefs",
                  "Scores data with the coefficients of a logistic model given in a table, one "
                  "probability for each row",
-                 {oper("coefs", kCoefs), oper("inputData", kDataWithHeaders)}),
+                 {oper("coefs", kCoefs), oper("inputData", kDataWithHeaders)},
+                 command<&logistic_reg_score_from_coefs>()),
 
         // Time series
         function("ts_acf", "Computes the autocorrelations of a series up to a lag",

@@ -1,7 +1,6 @@
 #include "data/delimited_file.hpp"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdint>

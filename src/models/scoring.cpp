@@ -5,6 +5,8 @@
 #include "data/delimited_file.hpp"
 #include "models/model_store.hpp"
 #include "regression/linear_reg_model.hpp"
+#include "regression/logistic_fit.hpp"
+#include "regression/logistic_reg_model.hpp"
 #include "xlw/cell_conversions.hpp"
 
 namespace zentable {
@@ -15,7 +17,6 @@ namespace {
 // theirs fails in plain words, never with made-up numbers.
 const char* const kNotYetScored[] = {"plsRegModel",
                                      "polyRegModel",
-                                     "logisticRegModel",
                                      "logisticRegBoostingTreeModel",
                                      "lsRegBoostingTreeModel",
                                      "regressionTreeModel",
@@ -92,6 +93,14 @@ ModelScores score_by_model(const std::string& model, const svec& names, const dm
         scores.parameter_count = static_cast<int>(fit->names.size()) + 1;
         scores.predictions =
             linear_predictor(align_coefficients(fit->names, fit->coefs, names), data);
+        return scores;
+    }
+    if (scores.class_name == "logisticRegModel") {
+        const handle_c<logisticRegModel> fit = string_to_handle<logisticRegModel>(key);
+        scores.type = "BIN";
+        scores.levels = fit->levels;
+        scores.predictions =
+            logistic_predict(data, align_coefficients(fit->names, fit->coefs, names));
         return scores;
     }
     if (one_of(scores.class_name, std::begin(kNotYetScored), std::end(kNotYetScored)))

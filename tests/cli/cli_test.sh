@@ -214,6 +214,18 @@ check "script: model_eval of a fit reports under the model's class" 0 \
 check "model_eval_from_file wants numBins of at least 1" 1 "" "numBins must be a positive integer" \
     -- "$Z" call model_eval_from_file linearRegModel->1 xy.csv y 0
 
+# --- logistic regression: the higher of two values is the event
+printf 'bad\n0\n1\n1\n0\n1\n0\n' >bad.csv
+check "logistic_reg: 31 rows, -2LogL of the intercept alone is 12 ln 2, intercept first" 0 \
+    $'31 logisticRegModel\n-2LogL,8.317766166719343\n0,Intercept\n1,x1\n2,x2' "" \
+    -- bash -c "\"$Z\" call logistic_reg @x.csv @bad.csv --format csv | awk -F, 'NR==1{split(\$1,h,\"->\")} {n++} END {print n, h[1]}'
+                \"$Z\" call logistic_reg @x.csv @bad.csv --format csv | sed -n '15p;27,29p' | cut -d, -f1-2"
+check "logistic_reg wants a binary target" 1 "" "Variable have 6 categories. It must be binary" \
+    -- "$Z" call logistic_reg @x.csv @y.csv
+check "logistic_reg_score_from_coefs: an intercept of 0 gives 1/2 everywhere" 0 \
+    $'yhat\n0.5\n0.5\n0.5\n0.5\n0.5\n0.5' "" \
+    -- "$Z" call logistic_reg_score_from_coefs '{"Intercept",0}' @x.csv --format csv
+
 # --- the demo on the shipped example data
 cp "$EXAMPLES/credit.csv" "$EXAMPLES/demo.zt" .
 check_match "demo" 0 $'^Zentable 2\\.00 is built on .*\nlinearRegModel->[0-9]+\n.*Number of Records +2866\n.*End of output: linear_reg' \

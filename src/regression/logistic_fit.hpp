@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+
+#include "numeric/matrix.hpp"
+
+namespace zentable {
+
+// The numerics of binary logistic regression, shared with forward selection.
+// Coefficient vectors hold the slopes in column order and the intercept last.
+
+// Codes y as 0 and 1 in place, the higher level being the event, and gives
+// the two levels as the user wrote them, ascending. Fails unless y has
+// exactly two distinct values.
+dvec binary_recode(dvec& y);
+
+struct ColumnScaling {
+    dvec mean;  // weighted, per column
+    dvec sd;    // divisor W; 1 for a column that is constant
+    double sum_weight = 0.0;
+    std::int32_t n = 0;
+};
+
+// Centres and scales the columns of x in place by their weighted moments.
+ColumnScaling standardize_columns(dmat& x, const dvec& weight);
+
+struct LogLikelihood {
+    double value = 0.0;
+    dvec gradient;  // p + 1
+    dmat hessian;   // (p + 1) by (p + 1), negative definite
+};
+
+// The weighted log-likelihood at coefs, with its gradient and Hessian.
+LogLikelihood logistic_loglik(const dmat& x, const dvec& y, const dvec& weight, const dvec& coefs);
+
+// Newton-Raphson with step halving on standardised columns, started at
+// `start`; the coefficients and Hessian come back on the raw scale of x.
+LogLikelihood logistic_newton(const dmat& x, const dvec& y, const dvec& weight, const dvec& start,
+                              dvec& coefs);
+
+struct LogisticFit {
+    std::int32_t n1 = 0;
+    double w0 = 0.0, w1 = 0.0;
+    double ll0 = 0.0, ll = 0.0;
+    dvec coefs, std_errors, wald, p_values;  // intercept last
+};
+
+// The maximum-likelihood fit of a y coded 0 and 1, with Wald tests.
+LogisticFit logistic_fit(const dmat& x, const dvec& y, const dvec& weight);
+
+// The event probability of each row of x.
+dvec logistic_predict(const dmat& x, const dvec& coefs);
+
+}  // namespace zentable
