@@ -3,12 +3,11 @@
 // The file is made once by make_numeric_file into the working directory.
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
-#include <fstream>
 #include <string>
 
 #include "data/delimited_file.hpp"
 #include "models/scoring.hpp"
+#include "numeric_file.hpp"
 #include "regression/linear_reg.hpp"
 #include "regression/linear_reg_variants.hpp"
 
@@ -17,24 +16,11 @@ namespace {
 using namespace zentable;
 
 const std::string& data_file() {
-    static const std::string path = [] {
-        const char* given = std::getenv("ZENTABLE_BENCH_FILE");
-        const std::string p = given ? given : "bench_numeric_1e6x20.csv";
-        if (!std::ifstream(p)) {
-            const std::string command = "./make_numeric_file " + p + " 1000000 20";
-            if (std::system(command.c_str()) != 0)
-                std::abort();
-        }
-        return p;
-    }();
-    return path;
+    return bench::numeric_file_1e6x20();
 }
 
 CellMatrix x_names() {
-    CellMatrix names(1, 20);
-    for (int j = 0; j < 20; ++j)
-        names(0, j) = "x" + std::to_string(j + 1);
-    return names;
+    return bench::x_names_1e6x20();
 }
 
 void BM_ReadXywFromFile(benchmark::State& state) {

@@ -3,12 +3,11 @@
 // The file is made once by make_numeric_file into the working directory.
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "data/delimited_file.hpp"
+#include "numeric_file.hpp"
 #include "stats/means.hpp"
 
 namespace {
@@ -16,17 +15,7 @@ namespace {
 using namespace zentable;
 
 const std::string& data_file() {
-    static const std::string path = [] {
-        const char* given = std::getenv("ZENTABLE_BENCH_FILE");
-        const std::string p = given ? given : "bench_numeric_1e6x20.csv";
-        if (!std::ifstream(p)) {
-            const std::string command = "./make_numeric_file " + p + " 1000000 20";
-            if (std::system(command.c_str()) != 0)
-                std::abort();
-        }
-        return p;
-    }();
-    return path;
+    return bench::numeric_file_1e6x20();
 }
 
 svec variable_names() {
@@ -37,11 +26,7 @@ svec variable_names() {
 }
 
 CellMatrix names_cell() {
-    const svec names = variable_names();
-    CellMatrix cell(1, names.size());
-    for (std::size_t j = 0; j < names.size(); ++j)
-        cell(0, j) = names[j];
-    return cell;
+    return bench::x_names_1e6x20();
 }
 
 // The columns as read, kept for the sorting benchmarks.

@@ -10,10 +10,13 @@
 #include <sstream>
 #include <string>
 
+#include "../support/tables.hpp"
 #include "data/delimited_file.hpp"
 
 namespace zentable {
 namespace {
+
+using testing::thrown_text;
 
 std::string temp_file(const std::string& name, const std::string& content) {
     const std::string path = ::testing::TempDir() + name;
@@ -26,17 +29,6 @@ std::string slurp(const std::string& path) {
     std::stringstream s;
     s << in.rdbuf();
     return s.str();
-}
-
-std::string thrown_text(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const std::string& s) {
-        return s;
-    } catch (const char* s) {
-        return s;
-    }
-    return "(nothing thrown)";
 }
 
 CellMatrix text_cell(const std::string& text) {

@@ -10,12 +10,15 @@
 #include <vector>
 
 #include "../support/render.hpp"
+#include "../support/tables.hpp"
 #include "commands/catalogue.hpp"
 #include "models/model_eval.hpp"
 #include "regression/linear_reg.hpp"
 
 namespace zentable {
 namespace {
+
+using testing::column;
 
 using testing::render_report;
 
@@ -45,14 +48,6 @@ void expect_table(const CellMatrix& t, const Grid& want, std::size_t columns, do
             }
         }
     }
-}
-
-CellMatrix column(const std::string& name, const std::vector<double>& values) {
-    CellMatrix t(values.size() + 1, 1);
-    t(0, 0) = name;
-    for (std::size_t i = 0; i < values.size(); ++i)
-        t(i + 1, 0) = values[i];
-    return t;
 }
 
 std::string failure(const std::function<void()>& f) {

@@ -4,28 +4,20 @@
 #include <functional>
 #include <string>
 
+#include "../support/tables.hpp"
 #include "models/model_store.hpp"
 #include "regression/linear_reg_model.hpp"
 
 namespace zentable {
 namespace {
 
+using testing::thrown_text;
+
 struct Tracked : base_c {
     explicit Tracked(int* alive) : alive_(alive) { ++*alive_; }
     ~Tracked() override { --*alive_; }
     int* alive_;
 };
-
-std::string thrown_text(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const std::string& s) {
-        return s;
-    } catch (const char* s) {
-        return s;
-    }
-    return "(nothing thrown)";
-}
 
 handle_c<linearRegModel> new_linear_model(double marker) {
     return handle_c<linearRegModel>(new linearRegModel({}, {"x"}, {marker, 0.0}, {}, {}, {}));

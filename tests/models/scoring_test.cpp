@@ -5,6 +5,7 @@
 #include <sstream>
 #include <string>
 
+#include "../support/tables.hpp"
 #include "../xlw/table_builder.hpp"
 #include "models/scoring.hpp"
 #include "regression/linear_reg.hpp"
@@ -12,18 +13,9 @@
 namespace zentable {
 namespace {
 
-using testing::make_table;
+using testing::thrown_text;
 
-std::string thrown_text(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const std::string& s) {
-        return s;
-    } catch (const char* s) {
-        return s;
-    }
-    return "(nothing thrown)";
-}
+using testing::make_table;
 
 std::string slurp(const std::string& path) {
     std::ifstream in(path);

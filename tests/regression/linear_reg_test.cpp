@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "../support/tables.hpp"
 #include "models/model_store.hpp"
 #include "regression/linear_reg.hpp"
 #include "regression/linear_reg_model.hpp"
@@ -15,64 +16,12 @@
 namespace zentable {
 namespace {
 
+using testing::column;
+using testing::solve;
+using testing::table_with_header;
+using testing::thrown_text;
+
 using Rows = std::vector<std::vector<double>>;
-
-CellMatrix table_with_header(const std::vector<std::string>& names, const Rows& rows) {
-    CellMatrix t(rows.size() + 1, names.size());
-    for (std::size_t j = 0; j < names.size(); ++j)
-        t(0, j) = names[j];
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        for (std::size_t j = 0; j < names.size(); ++j)
-            t(i + 1, j) = rows[i][j];
-    return t;
-}
-
-CellMatrix column(const std::string& name, const std::vector<double>& values) {
-    Rows rows;
-    for (double v : values)
-        rows.push_back({v});
-    return table_with_header({name}, rows);
-}
-
-std::string thrown_text(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const std::string& s) {
-        return s;
-    } catch (const char* s) {
-        return s;
-    }
-    return "(nothing thrown)";
-}
-
-// Solves A z = b by Gaussian elimination in long double, independently of the
-// library's sweep.
-std::vector<long double> solve(std::vector<std::vector<long double>> a,
-                               std::vector<long double> b) {
-    const std::size_t n = b.size();
-    for (std::size_t c = 0; c < n; ++c) {
-        std::size_t best = c;
-        for (std::size_t r = c + 1; r < n; ++r)
-            if (std::fabs(a[r][c]) > std::fabs(a[best][c]))
-                best = r;
-        std::swap(a[c], a[best]);
-        std::swap(b[c], b[best]);
-        for (std::size_t r = c + 1; r < n; ++r) {
-            const long double f = a[r][c] / a[c][c];
-            for (std::size_t j = c; j < n; ++j)
-                a[r][j] -= f * a[c][j];
-            b[r] -= f * b[c];
-        }
-    }
-    std::vector<long double> z(n);
-    for (std::size_t i = n; i-- > 0;) {
-        long double s = b[i];
-        for (std::size_t j = i + 1; j < n; ++j)
-            s -= a[i][j] * z[j];
-        z[i] = s / a[i][i];
-    }
-    return z;
-}
 
 // Weighted least squares by the normal equations, intercept first:
 // coefficients, their standard errors, and the residual sum of squares.

@@ -8,25 +8,19 @@
 #include <string>
 #include <vector>
 
+#include "../support/tables.hpp"
 #include "regression/linear_reg.hpp"
 #include "regression/linear_reg_variants.hpp"
 
 namespace zentable {
 namespace {
 
+using testing::column;
+using testing::thrown_text;
+
 const std::string kTooFew =
     "Cannot perform linear regression when the number of data points is less than or equal to "
     "the number of variables";
-
-// A column under its name; NAN stands for an empty cell.
-CellMatrix column(const std::string& name, const std::vector<double>& values) {
-    CellMatrix t(values.size() + 1, 1);
-    t(0, 0) = name;
-    for (std::size_t i = 0; i < values.size(); ++i)
-        if (!std::isnan(values[i]))
-            t(i + 1, 0) = values[i];
-    return t;
-}
 
 CellMatrix columns(const std::vector<std::string>& names,
                    const std::vector<std::vector<double>>& values) {
@@ -50,17 +44,6 @@ CellMatrix cell(const char* text) {
     return CellMatrix(text);
 }
 const CellMatrix kOmitted(1, 1);
-
-std::string thrown_text(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const std::string& s) {
-        return s;
-    } catch (const char* s) {
-        return s;
-    }
-    return "(nothing thrown)";
-}
 
 std::string temp_path(const std::string& name) {
     return ::testing::TempDir() + "lrv_" + name;
