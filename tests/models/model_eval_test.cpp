@@ -11,7 +11,6 @@
 
 #include "../support/render.hpp"
 #include "../support/tables.hpp"
-#include "commands/catalogue.hpp"
 #include "models/model_eval.hpp"
 #include "regression/linear_reg.hpp"
 
@@ -433,22 +432,6 @@ TEST(ModelEval, Messages) {
                   model_eval("noSuchModel->1", d.x(), column("y", d.y), CellMatrix(4.0), {});
               }),
               "Invalid model");
-}
-
-TEST(ModelEval, TheCatalogueCallsTheCommands) {
-    for (const char* name : {"model_bin_eval", "model_bin_eval_from_file", "model_cont_eval",
-                             "model_cont_eval_from_file", "model_eval", "model_eval_from_file"}) {
-        const FunctionInfo* f = find_function(name);
-        ASSERT_NE(f, nullptr) << name;
-        EXPECT_TRUE(f->is_built()) << name;
-        EXPECT_EQ(f->command.kinds.size(), f->args.size()) << name;
-    }
-    const FunctionInfo& f = *find_function("model_bin_eval");
-    const CellMatrix through = f.command.invoke(
-        {column("bad", kY), column("score", kP), CellMatrix(4.0), CellMatrix()}, f.args);
-    EXPECT_EQ(testing::render(through),
-              testing::render(model_bin_eval(column("bad", kY), column("score", kP),
-                                             CellMatrix(4.0), CellMatrix())));
 }
 
 }  // namespace

@@ -7,9 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "commands/catalogue.hpp"
-#include "commands/entry.hpp"
-
 using namespace zentable;
 
 namespace {
@@ -229,33 +226,4 @@ TEST(ProbTables, CornishFisher) {
                   "Input confidence level cl must be between 0 and 1")
             << cl;
     }
-}
-
-// The road a sheet takes: catalogue entry, argument conversion, command, guard.
-TEST(ProbCatalogue, CallsThroughTheEntries) {
-    const auto call = [](const char* name, std::vector<CellMatrix> args) {
-        const FunctionInfo* f = find_function(name);
-        EXPECT_TRUE(f && f->is_built()) << name;
-        return f ? call_entry(*f, std::move(args)) : GuardedResult{};
-    };
-    const auto only_text = [](const GuardedResult& r) {
-        EXPECT_TRUE(r.failed());
-        return r.table(0, 0).IsString() ? r.table(0, 0).StringValue() : "<not text>";
-    };
-
-    EXPECT_EQ(value_of(call("prob_normal_inv", {CellMatrix(0.0)}).table), -kBound);
-    // nc left out, or given.
-    EXPECT_NEAR(value_of(call("prob_chi", {CellMatrix(2.0), CellMatrix(2.0)}).table),
-                1.0 - std::exp(-1.0), 1e-15);
-    EXPECT_NEAR(value_of(call("prob_chi_inv", {CellMatrix(0.5), CellMatrix(10.0), kOmitted}).table),
-                9.341818, 1e-6);
-    EXPECT_EQ(call("prob_t_table", {}).table.RowsInStructure(), 103u);
-
-    EXPECT_EQ(only_text(call("prob_f_table", {CellMatrix(1.5)})), kPMessage);
-    EXPECT_EQ(only_text(call("prob_chi", {CellMatrix(1.0), CellMatrix(2.0), CellMatrix(-3.0)})),
-              kNcMessage);
-    // Boost's own text of a domain failure reaches the cell.
-    const std::string boost = only_text(call("prob_t", {CellMatrix(1.0), CellMatrix(0.0)}));
-    EXPECT_NE(boost.find("Degrees of freedom argument is 0, but must be > 0 !"), std::string::npos)
-        << boost;
 }
