@@ -334,6 +334,16 @@ long long line_start_from(const std::string& filename, long long at) {
 
 }  // namespace
 
+svec read_file_variable_names(const CellMatrix& names, const std::string& missing_message) {
+    if (is_omitted(names))
+        throw missing_message;
+    if (names.RowsInStructure() != 1 && names.ColumnsInStructure() != 1)
+        throw "variable names must be in one row or one column";
+    svec out;
+    read_string_list(names, out);
+    return out;
+}
+
 svec read_head(const std::string& filename, char delimiter) {
     return DataFile(filename, delimiter).head;
 }

@@ -58,6 +58,10 @@ class LineReader {
     long long end_;
 };
 
+// The list of variable names that a _from_file command requires: the
+// caller's text when it is omitted, one row or one column of texts otherwise.
+svec read_file_variable_names(const CellMatrix& names, const std::string& missing_message);
+
 // The head line's names, trimmed.
 svec read_head(const std::string& filename, char delimiter);
 

@@ -101,18 +101,6 @@ FreqLevels make_freq_levels(const svec& texts) {
     return out;
 }
 
-svec read_file_variable_names(const CellMatrix& names, const std::string& missing_message) {
-    if (is_omitted(names)) {
-        throw missing_message;
-    }
-    if (names.RowsInStructure() != 1 && names.ColumnsInStructure() != 1) {
-        throw "variable names must be in one row or one column";
-    }
-    svec out;
-    read_string_list(names, out);
-    return out;
-}
-
 CellMatrix freq_report(const svec& names, const std::vector<svec>& columns, bool includeMissing) {
     std::vector<FreqLevels> levels;
     levels.reserve(columns.size());

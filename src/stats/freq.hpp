@@ -48,7 +48,4 @@ struct FreqKeyLess {
     bool operator()(double a, double b) const;
 };
 
-// The list of variable names that a _from_file command requires.
-svec read_file_variable_names(const CellMatrix& names, const std::string& missing_message);
-
 }  // namespace zentable

@@ -14,7 +14,6 @@ namespace zentable {
 
 namespace {
 
-constexpr const char* kNamesShape = "variable names must be in one row or one column";
 constexpr const char* kNamesMissing = "Error: variable names (varNames) are missing";
 constexpr const char* kEmptyTable = "Input data table is empty";
 
@@ -97,16 +96,6 @@ double sorted_percentile(const dvec& sorted, double p) {
     return sorted[static_cast<std::size_t>(std::clamp(at, 0.0, last))];
 }
 
-svec read_var_names(const CellMatrix& varNames) {
-    if (is_omitted(varNames))
-        throw kNamesMissing;
-    if (varNames.RowsInStructure() != 1 && varNames.ColumnsInStructure() != 1)
-        throw kNamesShape;
-    svec names;
-    read_string_list(varNames, names);
-    return names;
-}
-
 DescribedColumns read_described_columns(const CellMatrix& inputData) {
     NamedColumns columns = read_columns_dropping_non_numbers(inputData);
     const auto records = static_cast<long long>(inputData.RowsInStructure() - 1);
@@ -121,7 +110,7 @@ DescribedColumns read_described_columns(const CellMatrix& inputData) {
 DescribedColumns read_described_columns(const std::string& filename, const CellMatrix& varNames,
                                         const CellMatrix& delimiter) {
     DescribedColumns out;
-    out.names = read_var_names(varNames);
+    out.names = read_file_variable_names(varNames, kNamesMissing);
     const char separator = read_delimiter(delimiter);
     NumericColumns columns = read_numeric_columns(filename, out.names, separator);
     // A head line alone is the file's form of a table with no data rows.

@@ -32,9 +32,6 @@ void sort_columns(std::vector<dvec>& columns);
 // that is not empty. No interpolation.
 double sorted_percentile(const dvec& sorted, double p);
 
-// The variable names argument of the file commands, in one row or one column.
-svec read_var_names(const CellMatrix& varNames);
-
 // The numbers of each variable and the count of its cells that were not.
 struct DescribedColumns {
     svec names;
