@@ -24,6 +24,22 @@ inline const std::string& numeric_file_1e6x20() {
     return path;
 }
 
+// The same shape with a 0/1 y drawn from a logistic model of the x, for the
+// binary-target benchmarks, or named by ZENTABLE_BENCH_BINARY_FILE.
+inline const std::string& binary_file_1e6x20() {
+    static const std::string path = [] {
+        const char* given = std::getenv("ZENTABLE_BENCH_BINARY_FILE");
+        const std::string p = given ? given : "bench_binary_1e6x20.csv";
+        if (!std::ifstream(p)) {
+            const std::string command = "./make_numeric_file " + p + " 1000000 20 20261123 binary";
+            if (std::system(command.c_str()) != 0)
+                std::abort();
+        }
+        return p;
+    }();
+    return path;
+}
+
 // Its x names, x1 to x20, in one row of cells.
 inline CellMatrix x_names_1e6x20() {
     CellMatrix names(1, 20);

@@ -2,7 +2,10 @@
 #include "commands/utility.hpp"
 #include "models/model_eval.hpp"
 #include "models/scoring.hpp"
+#include "numeric/latin_hypercube.hpp"
+#include "numeric/matrix_random.hpp"
 #include "numeric/prob_functions.hpp"
+#include "numeric/sequences.hpp"
 #include "regression/linear_reg.hpp"
 #include "regression/linear_reg_variants.hpp"
 #include "regression/logistic_reg.hpp"
@@ -14,6 +17,11 @@
 #include "stats/ranks.hpp"
 #include "stats/summary.hpp"
 #include "stats/variable_corr_select.hpp"
+#include "trees/tree.hpp"
+#include "trees/tree_boosting.hpp"
+#include "woe/woe_transform.hpp"
+#include "woe/woe_xcat.hpp"
+#include "woe/woe_xcont.hpp"
 
 namespace zentable {
 
@@ -521,7 +529,8 @@ const std::vector<FunctionInfo>& catalogue() {
             "with weights of evidence and information values, and stores the binning",
             {oper("x", kContinuousX), oper("y", kBinaryY), oper("initialNumBins", kInitialNumBins),
              oper("pvalue", kPValue), oper("maxNumBins", kMaxNumBins),
-             oper("minNumRecords", kMinNumRecords), oper("weight", kWeight)}),
+             oper("minNumRecords", kMinNumRecords), oper("weight", kWeight)},
+            command<&woe_xcont_ybin>()),
         function("woe_xcont_ybin_from_file",
                  "Bins continuous variables of a delimited data file against a binary target, "
                  "merging neighbouring bins, with weights of evidence and information values, and "
@@ -530,14 +539,16 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("yName", "Name of the binary target in the file"),
                   oper("initialNumBins", kInitialNumBins), oper("pvalue", kPValue),
                   oper("maxNumBins", kMaxNumBins), oper("minNumRecords", kMinNumRecords),
-                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)}),
+                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
+                 command<&woe_xcont_ybin_from_file>()),
         function("woe_xcont_ycont",
                  "Bins continuous variables against a continuous target, merging neighbouring "
                  "bins, with the mean target of each bin, and stores the binning",
                  {oper("x", kContinuousX), oper("y", kContinuousY),
                   oper("initialNumBins", kInitialNumBins), oper("pvalue", kPValue),
                   oper("maxNumBins", kMaxNumBins), oper("minNumRecords", kMinNumRecords),
-                  oper("weight", kWeight)}),
+                  oper("weight", kWeight)},
+                 command<&woe_xcont_ycont>()),
         function("woe_xcont_ycont_from_file",
                  "Bins continuous variables of a delimited data file against a continuous target, "
                  "merging neighbouring bins, with the mean target of each bin, and stores the "
@@ -546,7 +557,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("yName", "Name of the continuous target in the file"),
                   oper("initialNumBins", kInitialNumBins), oper("pvalue", kPValue),
                   oper("maxNumBins", kMaxNumBins), oper("minNumRecords", kMinNumRecords),
-                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)}),
+                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
+                 command<&woe_xcont_ycont_from_file>()),
         function("woe_xcat_ybin",
                  "Groups the categories of variables against a binary target, merging groups of "
                  "similar rate, with weights of evidence and information values, and stores the "
@@ -556,14 +568,16 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("weight",
                        "Column of record weights with its name in the first cell; counts are of "
                        "records whatever the weights. Optional: omit for equal weights. Default: "
-                       "1.0 for every record")}),
+                       "1.0 for every record")},
+                 command<&woe_xcat_ybin>()),
         function("woe_xcat_ybin_from_file",
                  "Groups the categories of variables of a delimited data file against a binary "
                  "target, with weights of evidence and information values, and stores the grouping",
                  {oper("filename", kFilename), oper("xNames", kXNames),
                   oper("yName", "Name of the binary target in the file"), oper("pvalue", kPValue),
                   oper("maxNumBins", kMaxNumBins), oper("weightName", kWeightName),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&woe_xcat_ybin_from_file>()),
         function("woe_xcat_ycont",
                  "Groups the categories of variables against a continuous target, merging groups "
                  "of similar mean, and stores the grouping",
@@ -572,20 +586,23 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("weight",
                        "Column of record weights with its name in the first cell; counts are of "
                        "records whatever the weights. Optional: omit for equal weights. Default: "
-                       "1.0 for every record")}),
+                       "1.0 for every record")},
+                 command<&woe_xcat_ycont>()),
         function("woe_xcat_ycont_from_file",
                  "Groups the categories of variables of a delimited data file against a "
                  "continuous target, merging groups of similar mean, and stores the grouping",
                  {oper("filename", kFilename), oper("xNames", kXNames),
                   oper("yName", "Name of the continuous target in the file"),
                   oper("pvalue", kPValue), oper("maxNumBins", kMaxNumBins),
-                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)}),
+                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
+                 command<&woe_xcat_ycont_from_file>()),
         function(
             "woe_transform",
             "Replaces each variable of a table by the weight of evidence or the mean target "
             "of its bin under a stored binning",
             {oper("woeModel", "Handle of a stored weight of evidence binning"),
-             oper("inputData", "Table of the binned variables with their names in the first row")}),
+             oper("inputData", "Table of the binned variables with their names in the first row")},
+            command<&woe_transform>()),
         function("woe_transform_from_file",
                  "Writes the weight of evidence or the mean target of the bins of variables of a "
                  "delimited data file under a stored binning",
@@ -593,7 +610,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("xNames", "Names of the variables to transform, in one row or one column"),
                   oper("infilename", "Path of the data file to transform"),
                   oper("outfilename", "Path of the file to write, other than infilename"),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&woe_transform_from_file>()),
 
         // Principal components and factors
         function(
@@ -1066,36 +1084,42 @@ const std::vector<FunctionInfo>& catalogue() {
         // Trees
         function("tree", "Grows a regression or classification tree, and files the model",
                  {oper("x", kX), oper("y", kY), oper("treeConfig", kTreeConfig),
-                  oper("weight", kWeight)}),
+                  oper("weight", kWeight)},
+                 command<&tree>()),
         function("tree_from_file",
                  "Grows a regression or classification tree on a delimited data file, and files "
                  "the model",
                  {oper("filename", kFilename), oper("xNames", kXNames), oper("yName", kYName),
                   oper("treeConfig", kTreeConfig), oper("weightName", kWeightName),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&tree_from_file>()),
         function("tree_boosting_logistic_reg",
                  "Fits gradient boosted trees for a binary target under the logistic loss, and "
                  "files the model",
                  {oper("x", kX), oper("y", kBinaryY), oper("boostingTreeConfig", kBoostingConfig),
-                  oper("weight", kWeight)}),
+                  oper("weight", kWeight)},
+                 command<&tree_boosting_logistic_reg>()),
         function("tree_boosting_logistic_reg_from_file",
                  "Fits gradient boosted trees for a binary target of a delimited data file under "
                  "the logistic loss, and files the model",
                  {oper("filename", kFilename), oper("xNames", kXNames),
                   oper("yName", "Name of the binary y variable in the file"),
                   oper("boostingTreeConfig", kBoostingConfig), oper("weightName", kWeightName),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&tree_boosting_logistic_reg_from_file>()),
         function("tree_boosting_ls_reg",
                  "Fits gradient boosted regression trees under the squared error loss, and files "
                  "the model",
                  {oper("x", kX), oper("y", kY), oper("boostingTreeConfig", kBoostingConfig),
-                  oper("weight", kWeight)}),
+                  oper("weight", kWeight)},
+                 command<&tree_boosting_ls_reg>()),
         function("tree_boosting_ls_reg_from_file",
                  "Fits gradient boosted regression trees on a delimited data file under the "
                  "squared error loss, and files the model",
                  {oper("filename", kFilename), oper("xNames", kXNames), oper("yName", kYName),
                   oper("boostingTreeConfig", kBoostingConfig), oper("weightName", kWeightName),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&tree_boosting_ls_reg_from_file>()),
 
         // Clustering and scaling
         function("k_means", "Partitions records into clusters by the k-means method",
@@ -1386,7 +1410,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   "Largest integer of a DISCRETE_UNIFORM draw. Optional: omit for 1. Default: 1"),
              oper("seed",
                   "Seed of the random number generator, a non-negative integer; 0 uses the "
-                  "timer. Optional: omit for the timer. Default: 0")}),
+                  "timer. Optional: omit for the timer. Default: 0")},
+            command<&matrix_random>()),
         function("matrix_cov",
                  "Computes the covariance matrix of the columns of data, with divisor n",
                  {oper("inputData",
@@ -1559,14 +1584,17 @@ const std::vector<FunctionInfo>& catalogue() {
                        "Table of the arguments with the variable names in the first row, one row "
                        "per evaluation")}),
         function("prime_numbers", "Lists the first prime numbers",
-                 {oper("numPrimeNumbers", "Number of primes to list, a positive integer")}),
+                 {oper("numPrimeNumbers", "Number of primes to list, a positive integer")},
+                 command<&prime_numbers>()),
         function("Halton_numbers", "Generates points of the Halton low-discrepancy sequence",
-                 {oper("numbers", kNumbers), oper("dimension", kDimension)}),
+                 {oper("numbers", kNumbers), oper("dimension", kDimension)},
+                 command<&Halton_numbers>()),
         function("Sobol_numbers", "Generates points of the Sobol low-discrepancy sequence",
                  {oper("numbers", kNumbers),
                   oper("dimension",
                        "Number of dimensions, a positive integer up to 1111. Optional: omit for 1. "
-                       "Default: 1")}),
+                       "Default: 1")},
+                 command<&Sobol_numbers>()),
         function("Latin_hypercube",
                  "Draws points by improved distributed Latin hypercube sampling, with their Latin "
                  "squares",
@@ -1577,7 +1605,8 @@ const std::vector<FunctionInfo>& catalogue() {
                        "timer. Optional: omit for 100. Default: 100"),
                   oper("symbol",
                        "Text that marks a point in the Latin squares. Optional: omit for X. "
-                       "Default: X")}),
+                       "Default: X")},
+                 command<&Latin_hypercube>()),
 
         // Probability
         function("prob_normal", "Returns the standard normal distribution function at z",

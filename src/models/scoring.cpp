@@ -7,6 +7,9 @@
 #include "regression/linear_reg_model.hpp"
 #include "regression/logistic_fit.hpp"
 #include "regression/logistic_reg_model.hpp"
+#include "trees/boosting_core.hpp"
+#include "trees/boosting_model.hpp"
+#include "trees/tree_model.hpp"
 #include "xlw/cell_conversions.hpp"
 
 namespace zentable {
@@ -15,14 +18,7 @@ namespace {
 
 // Classes that other families will teach to score; until then a handle of
 // theirs fails in plain words, never with made-up numbers.
-const char* const kNotYetScored[] = {"plsRegModel",
-                                     "polyRegModel",
-                                     "logisticRegBoostingTreeModel",
-                                     "lsRegBoostingTreeModel",
-                                     "regressionTreeModel",
-                                     "classificationTreeModel",
-                                     "neuralNetModel",
-                                     "svmModel"};
+const char* const kNotYetScored[] = {"plsRegModel", "polyRegModel", "neuralNetModel", "svmModel"};
 const char* const kMultiColumnClasses[] = {"ldaModel", "qdaModel", "naiveBayesClassificationModel"};
 
 bool one_of(const std::string& name, const char* const* first, const char* const* last) {
@@ -103,6 +99,38 @@ ModelScores score_by_model(const std::string& model, const svec& names, const dm
             logistic_predict(data, align_coefficients(fit->names, fit->coefs, names));
         return scores;
     }
+    if (scores.class_name == "logisticRegBoostingTreeModel") {
+        const handle_c<logisticRegBoostingTreeModel> fit =
+            string_to_handle<logisticRegBoostingTreeModel>(key);
+        scores.type = "BIN";
+        scores.levels = fit->levels;
+        scores.predictions =
+            scoreLogisticBoosting(fit->names, fit->trees, fit->rates, fit->initial, names, data);
+        return scores;
+    }
+    if (scores.class_name == "lsRegBoostingTreeModel") {
+        const handle_c<lsRegBoostingTreeModel> fit = string_to_handle<lsRegBoostingTreeModel>(key);
+        scores.type = "CONT";
+        scores.parameter_count = static_cast<int>(splitVariablesOfTree(fit->trees).size()) + 1;
+        scores.predictions =
+            scoreLsBoosting(fit->names, fit->trees, fit->rates, fit->initial, names, data);
+        return scores;
+    }
+    if (scores.class_name == "regressionTreeModel") {
+        const handle_c<regressionTreeModel> fit = string_to_handle<regressionTreeModel>(key);
+        scores.type = "CONT";
+        scores.parameter_count = static_cast<int>(splitVariablesOfTree(fit->nodes).size()) + 1;
+        scores.predictions = scoreTree(fit->names, fit->nodes, names, data);
+        return scores;
+    }
+    if (scores.class_name == "classificationTreeModel") {
+        const handle_c<classificationTreeModel> fit =
+            string_to_handle<classificationTreeModel>(key);
+        scores.type = "BIN";
+        scores.levels = fit->levels;
+        scores.predictions = scoreTree(fit->names, fit->nodes, names, data);
+        return scores;
+    }
     if (one_of(scores.class_name, std::begin(kNotYetScored), std::end(kNotYetScored)))
         not_scored_yet(scores.class_name);
     throw "Invalid model";
@@ -135,10 +163,13 @@ CellMatrix model_score_from_file(const std::string& model, const std::string& in
 
 namespace {
 
-std::vector<svec> do_model_score_node(const std::string& model) {
+std::vector<svec> do_model_score_node(const std::string& model, const svec& names,
+                                      const dmat& data) {
     if (model_class_of(model) != "logisticRegBoostingTreeModel")
         throw "do_model_score_node only works for logisticRegBoostingTreeModel";
-    not_scored_yet("logisticRegBoostingTreeModel");
+    const handle_c<logisticRegBoostingTreeModel> fit =
+        string_to_handle<logisticRegBoostingTreeModel>(trim(model, 0));
+    return scoreBoostingNodes(fit->names, fit->trees, names, data);
 }
 
 }  // namespace
@@ -147,7 +178,7 @@ CellMatrix model_score_node(const std::string& model, const CellMatrix& x) {
     if (model_class_of(model) != "logisticRegBoostingTreeModel")
         throw "model_score_node works only for logisticRegBoostingTreeModel";
     const NamedTable table = read_scoring_table(x);
-    const std::vector<svec> nodes = do_model_score_node(model);
+    const std::vector<svec> nodes = do_model_score_node(model, table.names, table.data);
     CellMatrix result(table.data.size() + 1, std::max<std::size_t>(nodes.size(), 1));
     result(0, 0) = "Y Predicted";
     for (std::size_t i = 0; i < table.data.size(); ++i) {

@@ -141,6 +141,22 @@ check "percentiles wants p between 0 and 1" 1 "" \
     "Input percentiles p must be numbers between 0 and 1 inclusive in one row or one column" \
     -- "$Z" call percentiles @y.csv 1.5
 
+# --- sequences and random numbers
+check "Halton and Sobol begin with the base-2 radical inverse" 0 \
+    $'Halton_1,Halton_2\n0.5,0.3333333333333333\n0.25,0.6666666666666666\n0.75,0.1111111111111111\nSobol_1,Sobol_2\n0.5,0.5\n0.25,0.75\n0.75,0.25' "" \
+    -- bash -c "\"$Z\" call Halton_numbers 3 2 --format csv; \"$Z\" call Sobol_numbers 3 2 --format csv"
+check "Sobol_numbers stops at 1111 dimensions" 1 "" "The maximum dimension is 1111" \
+    -- "$Z" call Sobol_numbers 10 1112
+check "prime_numbers" 0 $'Prime Numbers,\n1,2\n2,3\n3,5' "" -- "$Z" call prime_numbers 3 --format csv
+# The timer seeds once per process, so the two timer calls share one script.
+printf 'a = matrix_random(3, 2)\nb = matrix_random(3, 2)\nprint a\nprint b\n' >timer.zt
+check "matrix_random: a seed repeats its numbers, the timer does not" 0 $'same\ndiffer' "" \
+    -- bash -c "[[ \$(\"$Z\" call matrix_random 3 2 _ _ _ _ 7) == \$(\"$Z\" call matrix_random 3 2 _ _ _ _ 7) ]] && echo same
+                \"$Z\" run timer.zt --format csv | awk 'NF {t[n++] = \$0} END {if (t[0] t[1] t[2] != t[3] t[4] t[5]) print \"differ\"}'"
+check "Latin_hypercube: each dimension takes every value once" 0 $'1,2,3,4,5\n1,2,3,4,5' "" \
+    -- bash -c "\"$Z\" call Latin_hypercube 5 2 --format csv | sed -n '5,9p' > points.csv
+                cut -d, -f2 points.csv | sort -n | paste -sd,; cut -d, -f3 points.csv | sort -n | paste -sd,"
+
 # --- bad input to the driver itself: one line, a non-zero status
 check "unknown function" 2 "" "zentable: unknown function nope (zentable list shows them all)" \
     -- "$Z" call nope
@@ -225,6 +241,33 @@ check "logistic_reg wants a binary target" 1 "" "Variable have 6 categories. It 
 check "logistic_reg_score_from_coefs: an intercept of 0 gives 1/2 everywhere" 0 \
     $'yhat\n0.5\n0.5\n0.5\n0.5\n0.5\n0.5' "" \
     -- "$Z" call logistic_reg_score_from_coefs '{"Intercept",0}' @x.csv --format csv
+
+# --- trees: y = 1,3,2,5,4,6 on x1 = 1..6 splits at x1 <= 3, gain (2 - 3.5)^2 * 3 * 6 / 3 = 13.5
+check "tree: the root splits x1 at 3 into leaves of mean 2 and 5" 0 \
+    $'1,0,A,6,3.5,1,x1,3,13.5,NO\n2,1,L,3,2,,,,,YES\n3,1,R,3,5,,,,,YES\nEnd of output: decision tree' "" \
+    -- bash -c "\"$Z\" call tree @x.csv @y.csv '{\"NUMTERMINALS\",2;\"MINSIZE\",2;\"MINCHILD\",1}' --format csv | tail -5 | sed 's/,*$//' | grep ."
+cat >trees.zt <<'ZT'
+boost = tree_boosting_ls_reg(@x.csv, @y.csv, {"NUMTREES",1;"LEARNRATE",1;"NUMTERMINALS",2;"MINSIZE",2;"MINCHILD",1})
+model_score(boost!A1, @x.csv)
+model_score_node(boost!A1, @x.csv)
+ZT
+check "script: one boosted tree at rate 1 scores F0 3.5 plus gammas -1.5 and 1.5" 1 \
+    $'Y Predicted\n2\n2\n2\n5\n5\n5' \
+    "trees.zt:3: model_score_node works only for logisticRegBoostingTreeModel" \
+    -- "$Z" run trees.zt --format csv
+
+# --- weight of evidence: two bins of three records, 1 and 2 events, WOE -ln 2 and ln 2
+printf 'bad\n0\n0\n1\n0\n1\n1\n' >bad6.csv
+cat >woe.zt <<'ZT'
+bins = woe_xcont_ybin(@x.csv, @bad6.csv, 2)
+woe_transform(bins!A1, @x.csv)
+ZT
+L='0.6931471805599453'
+check "script: each record gets the WOE of its bin" 0 \
+    "x1,x2"$'\n'"-$L,$L"$'\n'"-$L,-$L"$'\n'"-$L,$L"$'\n'"$L,-$L"$'\n'"$L,-$L"$'\n'"$L,$L" "" \
+    -- "$Z" run woe.zt --format csv
+check "woe_transform names the classes it takes" 1 "" "Invalid WOE model" \
+    -- "$Z" call woe_transform 'linearRegModel->1' @x.csv
 
 # --- the demo on the shipped example data
 cp "$EXAMPLES/credit.csv" "$EXAMPLES/demo.zt" .

@@ -1,0 +1,43 @@
+#include "numeric/random.hpp"
+
+// The only file that compiles QuantLib's headers: they are slow.
+#include <ql/math/randomnumbers/mt19937uniformrng.hpp>
+#include <ql/math/randomnumbers/seedgenerator.hpp>
+
+#include "numeric/distributions.hpp"
+
+namespace zentable {
+
+struct MersenneTwister::Engine {
+    QuantLib::MersenneTwisterUniformRng rng;
+};
+
+namespace {
+
+unsigned long seed_or_timer(unsigned long seed) {
+    return seed > 0 ? seed : QuantLib::SeedGenerator::instance().get();
+}
+
+}  // namespace
+
+MersenneTwister::MersenneTwister(unsigned long seed)
+    : engine_(std::make_unique<Engine>(
+          Engine{QuantLib::MersenneTwisterUniformRng(seed_or_timer(seed))})) {}
+
+MersenneTwister::~MersenneTwister() = default;
+MersenneTwister::MersenneTwister(MersenneTwister&& other) noexcept = default;
+MersenneTwister& MersenneTwister::operator=(MersenneTwister&& other) noexcept = default;
+
+std::uint32_t MersenneTwister::next() {
+    return static_cast<std::uint32_t>(engine_->rng.nextInt32());
+}
+
+double uniform_draw(MersenneTwister& generator) {
+    return (static_cast<double>(generator.next()) + 0.5) * 2.3283064365386963e-10;
+}
+
+double normal_draw(MersenneTwister& generator) {
+    return normal_inv(uniform_draw(generator));
+}
+
+}  // namespace zentable

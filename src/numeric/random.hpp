@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+namespace zentable {
+
+// MT19937 with the standard tempering, made afresh from its seed by each use
+// so that a sheet can reproduce its numbers. A seed above 0 starts the
+// generator with that value; 0 takes a seed from the process-wide seed
+// generator, which is seeded once from the clock and moves on with every seed
+// it gives, so that two calls within one second still differ.
+class MersenneTwister {
+  public:
+    explicit MersenneTwister(unsigned long seed);
+    ~MersenneTwister();
+    MersenneTwister(MersenneTwister&& other) noexcept;
+    MersenneTwister& operator=(MersenneTwister&& other) noexcept;
+
+    // The next 32-bit output.
+    std::uint32_t next();
+
+  private:
+    // The engine stays out of this header, whose includers need not compile it.
+    struct Engine;
+    std::unique_ptr<Engine> engine_;
+};
+
+// The next output r as (r + 0.5) 2^-32: never 0 and never 1.
+double uniform_draw(MersenneTwister& generator);
+
+// The standard normal quantile of the next uniform_draw.
+double normal_draw(MersenneTwister& generator);
+
+}  // namespace zentable

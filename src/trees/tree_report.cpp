@@ -1,0 +1,137 @@
+#include "trees/tree_report.hpp"
+
+#include <cmath>
+
+namespace zentable {
+
+void write_anova_block(CellMatrix& r, const ContEval& eval, int nv) {
+    const int n = eval.n;
+    const int k = eval.k;
+    r(2, 0) = "Analysis of Variance";
+    r(4, 0) = "Number of Records";
+    r(4, 1) = n;
+    r(5, 0) = "Number of Variables";
+    r(5, 1) = nv;
+    r(6, 0) = "R-Square";
+    r(6, 1) = eval.r_square;
+    r(7, 0) = "Adj R-Square";
+    r(7, 1) = eval.adj_r_square;
+    const char* headers[] = {"DF", "Sum", "Mean", "F Value", "P Value"};
+    for (int c = 0; c < 5; ++c)
+        r(9, c + 1) = headers[c];
+    r(10, 0) = "SSR";
+    r(10, 1) = k - 1;
+    r(10, 2) = eval.ssr;
+    r(10, 3) = eval.ssr / (k - 1);
+    r(10, 4) = eval.f_value;
+    r(10, 5) = eval.p_value;
+    r(11, 0) = "SSE";
+    r(11, 1) = n - k;
+    r(11, 2) = eval.sse;
+    r(11, 3) = eval.sse / (n - k);
+    r(12, 0) = "SST";
+    r(12, 1) = n - 1;
+    r(12, 2) = eval.sst;
+    r(12, 3) = eval.sst / (n - 1);
+    r(14, 0) = "RMSE";
+    r(14, 1) = eval.rmse;
+    r(15, 0) = "Y-actual Mean";
+    r(15, 1) = eval.y_mean;
+    r(16, 0) = "Y-predicted Mean";
+    r(16, 1) = eval.p_mean;
+    r(17, 0) = "Coeff Var";
+    r(17, 1) = eval.coeff_var;
+}
+
+void count_events(const dvec& coded, const dvec& weight, BinaryPerformance& p) {
+    p.n = static_cast<int>(coded.size());
+    p.n1 = 0;
+    p.w = 0.0;
+    p.w1 = 0.0;
+    for (std::size_t i = 0; i < coded.size(); ++i) {
+        p.w += weight[i];
+        if (coded[i] > 0.5) {
+            ++p.n1;
+            p.w1 += weight[i];
+        }
+    }
+}
+
+void write_binary_block(CellMatrix& r, const BinaryPerformance& p, const BinaryEval& eval) {
+    const int n = p.n;
+    r(2, 0) = "Model Performance";
+    r(4, 0) = p.y_name;
+    r(4, 1) = "Freq";
+    r(4, 2) = "Percent";
+    r(4, 3) = "Weight";
+    r(4, 4) = "Weight Percent";
+    r(5, 0) = "ALL";
+    r(5, 1) = n;
+    r(5, 2) = 1;
+    r(5, 3) = p.w;
+    r(5, 4) = 1;
+    r(6, 0) = p.levels[1];
+    r(6, 1) = p.n1;
+    r(6, 2) = static_cast<double>(p.n1) / n;
+    r(6, 3) = p.w1;
+    r(6, 4) = p.w1 / p.w;
+    r(7, 0) = p.levels[0];
+    r(7, 1) = n - p.n1;
+    r(7, 2) = static_cast<double>(n - p.n1) / n;
+    r(7, 3) = p.w - p.w1;
+    r(7, 4) = (p.w - p.w1) / p.w;
+    r(8, 0) = "Number of Variables";
+    r(8, 1) = p.candidates;
+
+    const double log_n = std::log(static_cast<double>(n));
+    r(10, 1) = "Intercept Only";
+    r(10, 2) = "Full Model";
+    r(11, 0) = "AIC";
+    r(11, 1) = 2.0 - 2.0 * p.ll0;
+    r(11, 2) = 2.0 * (p.nv + 1) - 2.0 * p.ll1;
+    r(12, 0) = "SC";
+    r(12, 1) = log_n - 2.0 * p.ll0;
+    r(12, 2) = (p.nv + 1) * log_n - 2.0 * p.ll1;
+    r(13, 0) = "-2LogL";
+    r(13, 1) = -2.0 * p.ll0;
+    r(13, 2) = -2.0 * p.ll1;
+    const double r_square = 1.0 - std::exp(2.0 * (p.ll0 - p.ll1) / n);
+    r(14, 0) = "R-Square";
+    r(14, 2) = r_square;
+    r(15, 0) = "Max-rescaled R-Square";
+    r(15, 2) = r_square / (1.0 - std::exp(2.0 * p.ll0 / n));
+
+    r(17, 0) = "%Concordant";
+    r(17, 1) = eval.concordant;
+    r(17, 2) = "Somers' D";
+    r(17, 3) = eval.somers_d;
+    r(18, 0) = "%Discordant";
+    r(18, 1) = eval.discordant;
+    r(18, 2) = "Gamma";
+    r(18, 3) = eval.gamma;
+    r(19, 0) = "%Tied";
+    r(19, 1) = eval.tied;
+    r(19, 2) = "Tau-a";
+    r(19, 3) = eval.tau_a;
+    r(20, 0) = "#Pairs";
+    r(20, 1) = eval.pairs;
+    r(20, 2) = "c";
+    r(20, 3) = eval.c;
+}
+
+std::size_t importance_variable(const dvec& importance_row) {
+    return static_cast<std::size_t>(importance_row[0] + 0.01);
+}
+
+void write_importance(CellMatrix& r, std::size_t row, const dmat& importance, const svec& names) {
+    r(row, 0) = "#";
+    r(row, 1) = "Variable";
+    r(row, 2) = "Relative Importance";
+    for (std::size_t i = 0; i < importance.size(); ++i) {
+        r(row + 1 + i, 0) = static_cast<int>(i + 1);
+        r(row + 1 + i, 1) = names[importance_variable(importance[i])];
+        r(row + 1 + i, 2) = importance[i][1];
+    }
+}
+
+}  // namespace zentable

@@ -1,0 +1,364 @@
+#include "woe/woe_bins.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+#include "numeric/distributions.hpp"
+#include "regression/weighted_regression.hpp"
+
+namespace zentable {
+
+namespace {
+
+// Keeps a count of zero from dividing by zero; never enough to move a real share.
+constexpr double kTiny = 1e-30;
+
+// The neighbours at i and i + 1 become one bin at i: the range of both, and
+// the counts summed.
+void merge_ybin_pair(dmat& bins, std::size_t i) {
+    dvec& low = bins[i];
+    const dvec& high = bins[i + 1];
+    low[0] = std::min(low[0], high[0]);
+    low[1] = std::max(low[1], high[1]);
+    low[2] += high[2];
+    low[3] += high[3];
+    bins.erase(bins.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+}
+
+void merge_ycont_pair(dmat& bins, std::size_t i) {
+    dvec& low = bins[i];
+    const dvec& high = bins[i + 1];
+    const double n1 = low[2], m1 = low[3], s1 = low[4];
+    const double n2 = high[2], m2 = high[3], s2 = high[4];
+    const double n = n1 + n2;
+    low[0] = std::min(low[0], high[0]);
+    low[1] = std::max(low[1], high[1]);
+    low[2] = n;
+    low[3] = (m1 * n1 + m2 * n2) / n;
+    low[4] = std::sqrt((n1 * s1 * s1 + n2 * s2 * s2 + n1 * n2 * (m1 - m2) * (m1 - m2) / n) / n);
+    bins.erase(bins.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+}
+
+bool in_zero_band(double v) {
+    return v >= -kZeroTolerance && v <= kZeroTolerance;
+}
+
+// Welch's test of two bins' means; a variance is made unbiased only where a
+// bin has more than one unit of weight.
+double ycont_pair_p_value(const dvec& low, const dvec& high) {
+    const double n1 = low[2], m1 = low[3], s1 = low[4];
+    const double n2 = high[2], m2 = high[3], s2 = high[4];
+    double u1 = s1 * s1;
+    if (n1 > 1)
+        u1 *= n1 / (n1 - 1);
+    double u2 = s2 * s2;
+    if (n2 > 1)
+        u2 *= n2 / (n2 - 1);
+    const double d = m1 - m2;
+    if (in_zero_band(d))
+        return 1.0;
+    const double q1 = u1 / n1, q2 = u2 / n2, q = q1 + q2;
+    if (in_zero_band(q))
+        return 0.0;
+    const double t = std::fabs(d) / std::sqrt(q);
+    double df;
+    if (n1 > 1 && n2 > 1) {
+        df = q * q / (q1 * q1 / (n1 - 1) + q2 * q2 / (n2 - 1));
+    } else {
+        df = n1 + n2 - 2;
+        if (df < 1)
+            df = 1;
+    }
+    return t_two_sided_p_value(t, df);
+}
+
+// The closing row's range: that of the first and the last bins.
+void closing_range(const dmat& bins, dvec& closing) {
+    closing[kWoeXMin] = std::min(bins.front()[0], bins.back()[0]);
+    closing[kWoeXMax] = std::max(bins.front()[1], bins.back()[1]);
+}
+
+// The order-keeping key of a double: its bits, mapped so that unsigned order
+// is numeric order. Zero has one key whatever its sign, so that equal values
+// have equal keys.
+std::uint64_t key_of(double value) {
+    if (value == 0.0)
+        value = 0.0;
+    std::uint64_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits >> 63 ? ~bits : bits | (std::uint64_t{1} << 63);
+}
+
+double value_of(std::uint64_t key) {
+    const std::uint64_t bits = key >> 63 ? key & ~(std::uint64_t{1} << 63) : ~key;
+    double value;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+// The keys of x in ascending order, in scratch.keys. A least-significant-digit
+// radix sort does in six passes what a comparison sort does in twenty; the
+// digits are small enough for their counts to stay in the first-level cache.
+void sort_keys(const dvec& x, GroupScratch& scratch) {
+    constexpr int kDigitBits = 11;
+    constexpr int kPasses = 6;
+    constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
+    const std::size_t n = x.size();
+    std::vector<std::uint64_t>& keys = scratch.keys;
+    std::vector<std::uint64_t>& spare = scratch.spare;
+    keys.resize(n);
+    spare.resize(n);
+    std::vector<std::size_t> count(kDigits * kPasses, 0);
+    for (std::size_t i = 0; i < n; ++i) {
+        const std::uint64_t k = key_of(x[i]);
+        keys[i] = k;
+        for (int pass = 0; pass < kPasses; ++pass)
+            ++count[pass * kDigits + ((k >> (pass * kDigitBits)) & (kDigits - 1))];
+    }
+    for (int pass = 0; pass < kPasses; ++pass) {
+        std::size_t* c = &count[pass * kDigits];
+        const int shift = pass * kDigitBits;
+        // A digit that all keys share moves nothing.
+        if (c[(keys[0] >> shift) & (kDigits - 1)] == n)
+            continue;
+        std::size_t total = 0;
+        for (std::size_t d = 0; d < kDigits; ++d) {
+            const std::size_t here = c[d];
+            c[d] = total;
+            total += here;
+        }
+        for (std::size_t i = 0; i < n; ++i) {
+            const std::uint64_t k = keys[i];
+            spare[c[(k >> shift) & (kDigits - 1)]++] = k;
+        }
+        keys.swap(spare);
+    }
+}
+
+// The first upper edge at or above x, without branches to mispredict.
+std::size_t group_of(const double* upper, std::size_t size, double x) {
+    const double* base = upper;
+    while (size > 1) {
+        const std::size_t half = size / 2;
+        base = base[half] < x ? base + half : base;
+        size -= half;
+    }
+    return static_cast<std::size_t>(base - upper) + (*base < x ? 1 : 0);
+}
+
+}  // namespace
+
+dmat woe_merge_ybin(dmat bins, double pvalue, int maxNumBins) {
+    const double cut = chi_square_quantile(1.0 - pvalue, 1.0);
+    while (bins.size() >= 2) {
+        std::size_t best = 0;
+        double smallest = 0.0;
+        for (std::size_t i = 0; i + 1 < bins.size(); ++i) {
+            const double a = bins[i][2], b = bins[i][3];
+            const double e = bins[i + 1][2], f = bins[i + 1][3];
+            const double d = a * f - b * e;
+            const double chi = ((a + b + e + f) * d * d / (a + b + kTiny)) / (f + e + kTiny) /
+                               (a + e + kTiny) / (f + b + kTiny);
+            if (i == 0 || chi < smallest) {
+                smallest = chi;
+                best = i;
+            }
+        }
+        if (smallest >= cut && bins.size() <= static_cast<std::size_t>(maxNumBins))
+            break;
+        merge_ybin_pair(bins, best);
+    }
+    return bins;
+}
+
+dmat woe_merge_ycont(dmat bins, double pvalue, int maxNumBins) {
+    while (bins.size() >= 2) {
+        std::size_t best = 0;
+        double largest = 0.0;
+        for (std::size_t i = 0; i + 1 < bins.size(); ++i) {
+            const double p = ycont_pair_p_value(bins[i], bins[i + 1]);
+            if (p > largest) {
+                largest = p;
+                best = i;
+            }
+        }
+        if (largest <= pvalue && bins.size() <= static_cast<std::size_t>(maxNumBins))
+            break;
+        merge_ycont_pair(bins, best);
+    }
+    return bins;
+}
+
+dmat woe_table_ybin(const dmat& bins) {
+    if (bins.empty())
+        return dmat(1, dvec(kWoeTableColumns, 0.0));
+    double n1_total = 0.0, n0_total = 0.0;
+    for (const dvec& bin : bins) {
+        n1_total += bin[2];
+        n0_total += bin[3];
+    }
+    const double t1 = n1_total + kTiny, t0 = n0_total + kTiny;
+    dmat table;
+    table.reserve(bins.size() + 1);
+    double c1 = 0.0, c0 = 0.0, info_value = 0.0, ks_max = 0.0;
+    for (const dvec& bin : bins) {
+        const double n1 = bin[2], n0 = bin[3];
+        c1 += n1;
+        c0 += n0;
+        const double r1 = n1 / t1, r0 = n0 / t0;
+        const double woe = std::log((kTiny + r1) / (r0 + kTiny));
+        const double iv = woe * (r1 - r0);
+        const double ks = std::fabs((c1 / t1) - (c0 / t0));
+        table.push_back({bin[0], bin[1], n1 + n0, n1, c1 / t1, n0, c0 / t0, r1 * 100 / (r0 + kTiny),
+                         n1 / (n1 + n0 + kTiny), woe, iv, ks});
+        info_value += iv;
+        ks_max = std::max(ks_max, ks);
+    }
+    dvec closing = {0.0,      0.0,        n1_total + n0_total,
+                    n1_total, 1.0,        n0_total,
+                    1.0,      100.0,      n1_total / (n1_total + n0_total + kTiny),
+                    0.0,      info_value, ks_max};
+    closing_range(bins, closing);
+    table.push_back(std::move(closing));
+    return table;
+}
+
+dmat woe_table_ycont(const dmat& bins) {
+    if (bins.empty())
+        return dmat(1, dvec(kWoeTableColumns, 0.0));
+    double n_total = 0.0, ny = 0.0;
+    for (const dvec& bin : bins) {
+        n_total += bin[2];
+        ny += bin[2] * bin[3];
+    }
+    const double ybar = ny / n_total;
+    double second = 0.0, within = 0.0;
+    for (const dvec& bin : bins) {
+        const double n = bin[2], m = bin[3], s = bin[4];
+        second += n * (m * m + s * s) / n_total;
+        within += n * s * s;
+    }
+    const double sy = std::sqrt(second - ybar * ybar);
+
+    dmat table;
+    table.reserve(bins.size() + 1);
+    double cn = 0.0, cy = 0.0, low = 100.0, high = -100.0;
+    for (const dvec& bin : bins) {
+        const double n = bin[2], m = bin[3], s = bin[4];
+        cn += n;
+        cy += n * m;
+        const double n_share = cn / n_total;
+        const double y_share = cy / (ybar * n_total);
+        const double gap = n_share - y_share;
+        low = std::min(low, gap);
+        high = std::max(high, gap);
+        table.push_back(
+            {bin[0], bin[1], n, n_share, m, s, y_share, m * 100 / ybar, gap, low, high, 0.0});
+    }
+    const double r_square = 1 - within / (sy * (n_total * sy));
+    dvec closing = {0.0, 0.0, n_total, 1.0, ybar, sy, 1.0, 100.0, 0.0, low, high, r_square};
+    closing_range(bins, closing);
+    table.push_back(std::move(closing));
+    return table;
+}
+
+double woe_apply_value(const dmat& table, std::size_t value_column, double x) {
+    const std::size_t bins = table.size() - 1;
+    if (bins == 0)
+        return 0.0;
+    if (bins == 1)
+        return table[0][value_column];
+    if (x > table[bins - 2][kWoeXMax])
+        return table[bins - 1][value_column];
+    std::size_t b = 0;
+    while (table[b][kWoeXMax] < x)
+        ++b;
+    return table[b][value_column];
+}
+
+dvec woe_apply_xcont(const dmat& table, std::size_t value_column, double missing_value,
+                     const dvec& x, const std::vector<bool>& present) {
+    dvec out(x.size());
+    for (std::size_t i = 0; i < x.size(); ++i)
+        out[i] = present[i] ? woe_apply_value(table, value_column, x[i]) : missing_value;
+    return out;
+}
+
+std::vector<RankedGroup> rank_x_groups(const dvec& x, const dvec& y, const dvec& w, int groups) {
+    GroupScratch scratch;
+    return rank_x_groups(x, y, w, groups, scratch);
+}
+
+std::vector<RankedGroup> rank_x_groups(const dvec& x, const dvec& y, const dvec& w, int groups,
+                                       GroupScratch& scratch) {
+    const std::size_t n = x.size();
+    std::vector<RankedGroup> out;
+    if (n == 0)
+        return out;
+    // Only the runs of equal values matter to the codes, so the values are
+    // sorted without their record numbers.
+    sort_keys(x, scratch);
+    const std::vector<std::uint64_t>& sorted = scratch.keys;
+    dvec upper;  // the largest x of each group present, ascending
+    std::vector<double> codes;
+    for (std::size_t first = 0; first < n;) {
+        std::size_t last = first;
+        while (last + 1 < n && sorted[last + 1] == sorted[first])
+            ++last;
+        const double rank = static_cast<double>(first + last) * 0.5 + 1.0;
+        const double code =
+            std::trunc(rank * static_cast<double>(groups) / (static_cast<double>(n) + 1.0));
+        if (codes.empty() || code != codes.back()) {
+            codes.push_back(code);
+            upper.push_back(0.0);
+            RankedGroup g;
+            g.x_min = value_of(sorted[first]);
+            out.push_back(g);
+        }
+        upper.back() = value_of(sorted[last]);
+        out.back().x_max = upper.back();
+        first = last + 1;
+    }
+    // Groups are runs of the sorted values, so the first upper edge at or
+    // above a value names its group; the sums then run in record order.
+    for (std::size_t i = 0; i < n; ++i) {
+        RankedGroup& group = out[group_of(upper.data(), upper.size(), x[i])];
+        const double v = y[i], weight = w[i];
+        group.count += 1.0;
+        group.weight += weight;
+        group.y_sum += v * weight;
+        group.y_squares += v * weight * v;
+    }
+    return out;
+}
+
+double group_standard_deviation(double count, double weight, double sum, double squares) {
+    if (count <= 1.0)
+        return 0.0;
+    const double mean = sum / weight;
+    double variance = (squares / weight - mean * mean) * count / (count - 1.0);
+    if (variance < 0.0)
+        variance = 0.0;
+    return std::sqrt(variance);
+}
+
+dmat ybin_bins_of(const std::vector<RankedGroup>& groups) {
+    dmat bins;
+    bins.reserve(groups.size());
+    for (const RankedGroup& g : groups)
+        bins.push_back({g.x_min, g.x_max, g.y_sum, g.weight - g.y_sum});
+    return bins;
+}
+
+dmat ycont_bins_of(const std::vector<RankedGroup>& groups) {
+    dmat bins;
+    bins.reserve(groups.size());
+    for (const RankedGroup& g : groups)
+        bins.push_back({g.x_min, g.x_max, g.weight, g.y_sum / g.weight,
+                        group_standard_deviation(g.count, g.weight, g.y_sum, g.y_squares)});
+    return bins;
+}
+
+}  // namespace zentable
