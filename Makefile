@@ -1,8 +1,13 @@
 # Each target does its own set-up, so that a fresh machine needs nothing else.
 BUILD ?= build
 JOBS ?= $(shell nproc)
+# The sanitised tree: clang with AddressSanitizer and UBSan, which also builds
+# the libFuzzer targets.
+SANITIZE_BUILD ?= build-sanitize
+FUZZ_SECONDS ?= 60
 
-.PHONY: all deps configure build demo test bench clean format
+.PHONY: all deps configure build demo test bench clean format \
+        configure-sanitize build-sanitize test-sanitize fuzz
 
 all: build
 
@@ -21,6 +26,19 @@ demo: build
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 
+configure-sanitize: deps
+	CC=clang-14 CXX=clang++-14 cmake -S . -B $(SANITIZE_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	    -DZENTABLE_SANITIZE=ON -DZENTABLE_BENCH=OFF
+
+build-sanitize: configure-sanitize
+	cmake --build $(SANITIZE_BUILD) -j $(JOBS)
+
+test-sanitize: build-sanitize
+	cd $(SANITIZE_BUILD) && ctest --output-on-failure -j $(JOBS)
+
+fuzz: build-sanitize
+	bash scripts/run-fuzz.sh $(SANITIZE_BUILD) $(FUZZ_SECONDS)
+
 bench: build
 	@cd $(BUILD)/bench && for b in ./*_bench; do echo "== $$b"; $$b; done
 
@@ -28,4 +46,4 @@ format:
 	clang-format -i $$(git ls-files '*.cpp' '*.hpp')
 
 clean:
-	rm -rf $(BUILD)
+	rm -rf $(BUILD) $(SANITIZE_BUILD)

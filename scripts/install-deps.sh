@@ -9,6 +9,7 @@ packages=(
   libboost-dev libfftw3-dev libquantlib0-dev
   libsvm-dev libsvm-tools gnuplot-nox
   libgtest-dev libbenchmark-dev
+  clang-14 libclang-rt-14-dev libomp-14-dev
 )
 
 # Node.js and its npm may come from outside Debian; Debian's npm conflicts with

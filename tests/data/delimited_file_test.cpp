@@ -10,6 +10,7 @@
 #include <sstream>
 #include <string>
 
+#include "../support/stream_rule.hpp"
 #include "../support/tables.hpp"
 #include "data/delimited_file.hpp"
 
@@ -40,17 +41,6 @@ CellMatrix row_of(const std::vector<std::string>& names) {
     for (std::size_t j = 0; j < names.size(); ++j)
         t(0, j) = names[j];
     return t;
-}
-
-// The rule a number field must follow: a standard stream reads a double from
-// it, sets neither fail nor bad, and stops at the end of the text.
-bool stream_rule(const std::string& text) {
-    std::istringstream in(text);
-    double value;
-    in >> value;
-    if (in.fail() || in.bad())
-        return false;
-    return in.eof() || in.tellg() == static_cast<std::streampos>(text.size());
 }
 
 std::string random_field(std::mt19937& gen) {
