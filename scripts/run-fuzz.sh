@@ -7,6 +7,7 @@ set -euo pipefail
 build=${1:?usage: run-fuzz.sh BUILD_DIR SECONDS}
 seconds=${2:-60}
 root=$(cd "$(dirname "$0")/.." && pwd)
+build=$(cd "$build" && pwd)  # a target may change its working folder
 work="$build/fuzz"
 mkdir -p "$work/artifacts"
 

@@ -12,6 +12,8 @@
 #include <memory>
 #include <thread>
 
+#include <sys/stat.h>
+
 #include "xlw/cell_conversions.hpp"
 
 namespace zentable {
@@ -269,7 +271,14 @@ LineReader::LineReader(const std::string& filename, long long begin, long long e
         std::fclose(file_);
         throw "Error: cannot open file " + filename;
     }
-    block_.resize(kBlockSize);
+    // A file smaller than a block gets a block of its own size (never empty).
+    struct stat info {};
+    const long long remaining = ::fstat(::fileno(file_), &info) == 0 && S_ISREG(info.st_mode)
+                                    ? static_cast<long long>(info.st_size) - begin
+                                    : static_cast<long long>(kBlockSize);
+    block_size_ = static_cast<std::size_t>(
+        std::clamp<long long>(remaining + 1, 1, static_cast<long long>(kBlockSize)));
+    block_.reset(new char[block_size_]);
     line_.resize(kFirstBufferSize);
 }
 
@@ -279,7 +288,7 @@ LineReader::~LineReader() {
 
 bool LineReader::fill_block() {
     block_begin_ = 0;
-    block_end_ = std::fread(block_.data(), 1, block_.size(), file_);
+    block_end_ = std::fread(block_.get(), 1, block_size_, file_);
     return block_end_ > 0;
 }
 
@@ -290,7 +299,7 @@ const char* LineReader::read_line() {
     for (;;) {
         if (block_begin_ == block_end_ && !fill_block())
             break;
-        const char* start = block_.data() + block_begin_;
+        const char* start = block_.get() + block_begin_;
         const std::size_t available = block_end_ - block_begin_;
         const void* newline = std::memchr(start, '\n', available);
         const std::size_t take =

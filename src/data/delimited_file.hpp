@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -50,7 +51,9 @@ class LineReader {
 
     std::string filename_;
     std::FILE* file_;
-    std::vector<char> block_;
+    // Left uninitialised: a small file touches only the pages it fills.
+    std::unique_ptr<char[]> block_;
+    std::size_t block_size_ = 0;
     std::size_t block_begin_ = 0, block_end_ = 0;
     std::vector<char> line_;
     std::size_t length_ = 0;

@@ -269,6 +269,32 @@ check "script: each record gets the WOE of its bin" 0 \
 check "woe_transform names the classes it takes" 1 "" "Invalid WOE model" \
     -- "$Z" call woe_transform 'linearRegModel->1' @x.csv
 
+# --- hostile input: a result or one line of complaint, within seconds, never a signal
+{ printf 'x1,y\n'; head -c 50000000 /dev/zero | tr '\0' '7'; printf ',1\n2,3\n'; } >long.csv
+check "a 50 MB field is no number: x1 keeps one record" 0 $'x1,1,1,2,2\ny,0,2,4,2' "" \
+    -- bash -c "\"$Z\" call univariate_from_file long.csv x1 --format csv | sed -n 2p | cut -d, -f1-5
+                \"$Z\" call univariate_from_file long.csv y --format csv | sed -n 2p | cut -d, -f1-5"
+head -c 10000000 /dev/zero | tr '\0' '\n' >empty.csv
+check "10^7 empty lines: no variables in the file" 1 "" \
+    "Error: cannot find the variable (x1) in data file" -- "$Z" call univariate_from_file empty.csv x1
+check "10^7 empty lines as cells: an empty table" 1 "" "Input data table is empty" \
+    -- "$Z" call freq @empty.csv
+printf 'x1,y\n1,\xff\xfe\n\x00\x01,2\n3,4\n5,\xc3\x28\n6,7\n' >odd.csv
+check "a NUL ends its line, invalid UTF-8 is text" 1 "" \
+    "Error: data line 2 has 1 fields, which is less than expected in odd.csv" \
+    -- "$Z" call univariate_from_file odd.csv y
+check_match "odd bytes as cells still count" 0 'x1 +Freq' -- "$Z" call freq @odd.csv
+{ seq -s, -f 'v%.0f' 0 99999; seq -s, 0 99999 | tr -d '\n'; echo; seq -s, 100000 199999; } >wide.csv
+check "a head of 10^5 names finds its last" 0 "v99999,0,2,299998,149999" "" \
+    -- bash -c "\"$Z\" call univariate_from_file wide.csv v99999 --format csv | sed -n 2p | cut -d, -f1-5"
+check "a nested array constant" 2 "" "zentable: unexpected '{' in array constant: {{1},2}" \
+    -- "$Z" call linear_reg '{{1},2}' '{1;2}'
+printf 'model_score(fit!A1, @x.csv)\nfit = linear_reg(@x.csv, @y.csv)\n' >early.zt
+check "a script that uses a result before making it" 2 "" "early.zt:1: no earlier result is named fit" \
+    -- "$Z" run early.zt
+check "a directory as a file" 1 "" "Error: cannot find the variable (x1) in data file" \
+    -- "$Z" call univariate_from_file . x1
+
 # --- the demo on the shipped example data
 cp "$EXAMPLES/credit.csv" "$EXAMPLES/demo.zt" .
 check_match "demo" 0 $'^Zentable 2\\.00 is built on .*\nlinearRegModel->[0-9]+\n.*Number of Records +2866\n.*End of output: linear_reg' \

@@ -163,9 +163,14 @@ void check_round_trip(const std::string& path, Bytes& bytes) {
             if (cell.IsANumber()) {
                 char digits[64];
                 std::snprintf(digits, sizeof digits, "%.16g", cell.NumericValue());
+                // Near the largest double, 16 digits can round past it: a
+                // stream reading such a text fails, so it is no number.
+                const double expected = std::strtod(digits, nullptr);
+                const bool in_range = std::isfinite(expected);
                 double value = 0;
-                require(parse_number(fields[j], value), "a written number reads as a number");
-                require(value == std::strtod(digits, nullptr), "a number keeps 16 digits");
+                require(parse_number(fields[j], value) == in_range,
+                        "a written number reads as a number when its digits are in range");
+                require(!in_range || value == expected, "a number keeps 16 digits");
             } else if (cell.IsString()) {
                 require(fields[j] == cell.StringValue(), "a text comes back as written");
             } else {
