@@ -38,22 +38,39 @@ std::string number_text(double value) {
     if (std::isinf(value))
         return value > 0 ? "inf" : "-inf";
     // As few significant digits as read back to the same double, laid out as
-    // %g lays them out; whole numbers below 1e16 stay plain.
+    // %g lays them out; whole numbers below 1e16 stay plain. The layout is made
+    // from the shortest digits directly: printf's own conversion costs more
+    // than everything else when a table has millions of numbers.
     char shortest[64];
-    char* const end = std::to_chars(shortest, shortest + sizeof shortest - 1, value,
-                                    std::chars_format::scientific)
-                          .ptr;
-    *end = '\0';  // the exponent is read up to here, not into older text
-    int digits = 0;
+    const char* const end =
+        std::to_chars(shortest, shortest + sizeof shortest, value, std::chars_format::scientific)
+            .ptr;
     const char* c = shortest;
+    std::string text;
+    if (*c == '-')
+        text += *c++;
+    std::string digits;
     for (; c < end && *c != 'e'; ++c)
-        digits += *c >= '0' && *c <= '9';
-    const int exponent = c < end ? std::atoi(c + 1) : 0;
+        if (*c != '.')
+            digits += *c;
+    const int exponent = std::atoi(std::string(c + 1, end).c_str());
+    int precision = static_cast<int>(digits.size());
     if (exponent >= 0 && exponent < 16)
-        digits = std::max(digits, exponent + 1);
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.*g", digits, value);
-    return buffer;
+        precision = std::max(precision, exponent + 1);
+    if (exponent < -4 || exponent >= precision) {
+        text += digits[0];
+        if (digits.size() > 1)
+            text += '.' + digits.substr(1);
+        char power[16];
+        std::snprintf(power, sizeof power, "e%c%02d", exponent < 0 ? '-' : '+', std::abs(exponent));
+        return text + power;
+    }
+    if (exponent < 0)
+        return text + "0." + std::string(static_cast<std::size_t>(-exponent - 1), '0') + digits;
+    const std::size_t whole = static_cast<std::size_t>(exponent) + 1;
+    if (digits.size() <= whole)
+        return text + digits + std::string(whole - digits.size(), '0');
+    return text + digits.substr(0, whole) + '.' + digits.substr(whole);
 }
 
 std::string quoted(const std::string& text, char quote_char) {

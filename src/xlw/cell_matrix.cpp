@@ -1,11 +1,75 @@
 #include "xlw/cell_matrix.hpp"
 
 #include <algorithm>
+#include <cstdlib>
+#include <new>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
 
 namespace zentable {
 
+namespace {
+
+constexpr std::size_t kArenaAlignment = alignof(std::max_align_t);
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
+// Below this the general heap is as quick and wastes nothing.
+constexpr std::size_t kArenaThreshold = std::size_t{4} << 20;
+
+std::size_t aligned_size(std::size_t bytes) {
+    return (bytes + kArenaAlignment - 1) / kArenaAlignment * kArenaAlignment;
+}
+
+}  // namespace
+
+CellArena::CellArena(std::size_t bytes)
+    : capacity_((bytes + kHugePage - 1) / kHugePage * kHugePage) {
+    block_ = static_cast<unsigned char*>(std::aligned_alloc(kHugePage, capacity_));
+    if (block_ == nullptr) {
+        throw std::bad_alloc();
+    }
+#if defined(MADV_HUGEPAGE)
+    // Only a hint: without huge pages the block works the same, more slowly.
+    madvise(block_, capacity_, MADV_HUGEPAGE);
+#endif
+}
+
+CellArena::~CellArena() {
+    std::free(block_);
+}
+
+void* CellArena::take(std::size_t bytes) {
+    const std::size_t size = aligned_size(bytes);
+    if (size > capacity_ - used_) {
+        return nullptr;
+    }
+    void* p = block_ + used_;
+    used_ += size;
+    return p;
+}
+
+std::unique_ptr<CellArena> MJCellMatrix::arena_for(std::size_t rows, std::size_t columns) {
+    const std::size_t bytes =
+        aligned_size(rows * sizeof(Row)) + rows * aligned_size(columns * sizeof(MJCellValue));
+    if (bytes < kArenaThreshold) {
+        return nullptr;
+    }
+    return std::make_unique<CellArena>(bytes);
+}
+
 MJCellMatrix::MJCellMatrix(std::size_t rows, std::size_t columns)
-    : cells_(rows, std::vector<MJCellValue>(columns)), rows_(rows), columns_(columns) {}
+    : arena_(arena_for(rows, columns)),
+      cells_(ArenaAllocator<Row>(arena_.get())),
+      rows_(rows),
+      columns_(columns) {
+    cells_.reserve(rows);
+    // Each row made empty in place: copying a prototype row costs a cell copy
+    // per cell, which shows on tables of millions of cells.
+    for (std::size_t i = 0; i < rows; ++i) {
+        cells_.emplace_back(columns, ArenaAllocator<MJCellValue>(arena_.get()));
+    }
+}
 
 void MJCellMatrix::PushBottom(const CellMatrix_pimpl_abstract& below) {
     const std::size_t below_rows = below.RowsInStructure();
@@ -20,7 +84,7 @@ void MJCellMatrix::PushBottom(const CellMatrix_pimpl_abstract& below) {
     }
     cells_.reserve(old_rows + below_rows);
     for (std::size_t i = 0; i < below_rows; ++i) {
-        std::vector<MJCellValue> row(columns);
+        Row row(columns);
         for (std::size_t j = 0; j < below_columns; ++j) {
             row[j] = below(i, j);
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -19,9 +20,78 @@ class CellMatrix_pimpl_abstract {
     virtual std::unique_ptr<CellMatrix_pimpl_abstract> clone() const = 0;
 };
 
+// One block of memory that the rows of a big table are carved from, released
+// whole with the table. A table of millions of cells made row by row from the
+// general heap spends most of its time in page faults; one block can be backed
+// by huge pages and needs no bookkeeping per row.
+class CellArena {
+  public:
+    explicit CellArena(std::size_t bytes);
+    CellArena(const CellArena&) = delete;
+    CellArena& operator=(const CellArena&) = delete;
+    ~CellArena();
+
+    // Null when the block is used up: the caller then takes from the heap.
+    void* take(std::size_t bytes);
+    bool owns(const void* p) const {
+        const auto address = reinterpret_cast<std::uintptr_t>(p);
+        const auto start = reinterpret_cast<std::uintptr_t>(block_);
+        return address >= start && address - start < capacity_;
+    }
+
+  private:
+    unsigned char* block_;
+    std::size_t capacity_;
+    std::size_t used_ = 0;
+};
+
+// Takes from a table's arena while it has room, from the heap otherwise. A
+// copy of a container starts over on the heap, so that no arena is shared
+// between tables.
+template <class T>
+class ArenaAllocator {
+  public:
+    using value_type = T;
+
+    ArenaAllocator() = default;
+    explicit ArenaAllocator(CellArena* arena) : arena_(arena) {}
+    template <class U>
+    ArenaAllocator(const ArenaAllocator<U>& other) : arena_(other.arena()) {}
+
+    T* allocate(std::size_t n) {
+        if (arena_ != nullptr) {
+            if (void* p = arena_->take(n * sizeof(T))) {
+                return static_cast<T*>(p);
+            }
+        }
+        return static_cast<T*>(::operator new(n * sizeof(T)));
+    }
+    void deallocate(T* p, std::size_t) {
+        if (arena_ == nullptr || !arena_->owns(p)) {
+            ::operator delete(p);
+        }
+    }
+    ArenaAllocator select_on_container_copy_construction() const { return ArenaAllocator(); }
+
+    CellArena* arena() const { return arena_; }
+    friend bool operator==(const ArenaAllocator& a, const ArenaAllocator& b) {
+        return a.arena_ == b.arena_;
+    }
+    friend bool operator!=(const ArenaAllocator& a, const ArenaAllocator& b) { return !(a == b); }
+
+  private:
+    CellArena* arena_ = nullptr;
+};
+
 class MJCellMatrix final : public CellMatrix_pimpl_abstract {
   public:
+    using Row = std::vector<MJCellValue, ArenaAllocator<MJCellValue>>;
+
     MJCellMatrix(std::size_t rows, std::size_t columns);
+    // A copy keeps its cells on the heap; the arena stays with the original.
+    MJCellMatrix(const MJCellMatrix& other)
+        : cells_(other.cells_), rows_(other.rows_), columns_(other.columns_) {}
+    MJCellMatrix& operator=(const MJCellMatrix&) = delete;
 
     const CellValue& operator()(std::size_t row, std::size_t column) const override {
         return cells_[row][column];
@@ -35,7 +105,12 @@ class MJCellMatrix final : public CellMatrix_pimpl_abstract {
     std::unique_ptr<CellMatrix_pimpl_abstract> clone() const override;
 
   private:
-    std::vector<std::vector<MJCellValue>> cells_;
+    // Null for a table small enough for the general heap.
+    static std::unique_ptr<CellArena> arena_for(std::size_t rows, std::size_t columns);
+
+    // Declared first so that it outlives the cells it holds.
+    std::unique_ptr<CellArena> arena_;
+    std::vector<Row, ArenaAllocator<Row>> cells_;
     std::size_t rows_;
     std::size_t columns_;
 };

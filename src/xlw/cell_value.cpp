@@ -72,21 +72,9 @@ CellValue& CellValue::operator=(const CellValue& other) {
 
 MJCellValue::MJCellValue(const MJCellValue& other)
     : CellValue(),
-      kind_(other.kind_),
       number_(other.number_),
-      text_(other.text_),
-      narrowed_(other.narrowed_),
-      wide_(other.wide_ ? std::make_unique<std::u16string>(*other.wide_) : nullptr) {}
-
-MJCellValue::MJCellValue(MJCellValue&& other) noexcept
-    : CellValue(),
-      kind_(other.kind_),
-      number_(other.number_),
-      text_(std::move(other.text_)),
-      narrowed_(other.narrowed_),
-      wide_(std::move(other.wide_)) {
-    other.clear();
-}
+      text_(other.text_ ? std::make_unique<Text>(*other.text_) : nullptr),
+      kind_(other.kind_) {}
 
 MJCellValue& MJCellValue::operator=(const MJCellValue& other) {
     if (this != &other) {
@@ -98,38 +86,36 @@ MJCellValue& MJCellValue::operator=(const MJCellValue& other) {
 
 MJCellValue& MJCellValue::operator=(MJCellValue&& other) noexcept {
     if (this != &other) {
-        kind_ = other.kind_;
         number_ = other.number_;
         text_ = std::move(other.text_);
-        narrowed_ = other.narrowed_;
-        wide_ = std::move(other.wide_);
+        kind_ = other.kind_;
         other.clear();
     }
     return *this;
 }
 
 const std::string& MJCellValue::StringValue() const {
-    if (kind_ == narrow_string) {
-        return text_;
-    }
-    if (kind_ != wide_string) {
+    if (kind_ != narrow_string && kind_ != wide_string) {
         ZENTABLE_WRONG_KIND(kNotString);
     }
-    if (!narrowed_) {
-        text_ = narrow(*wide_);
-        narrowed_ = true;
+    Text& text = *text_;
+    if (!text.has_narrow) {
+        text.narrow = narrow(text.wide);
+        text.has_narrow = true;
     }
-    return text_;
+    return text.narrow;
 }
 
 const std::u16string& MJCellValue::WstringValue() const {
     if (kind_ != narrow_string && kind_ != wide_string) {
         ZENTABLE_WRONG_KIND(kNotString);
     }
-    if (!wide_) {
-        wide_ = std::make_unique<std::u16string>(widen(text_));
+    Text& text = *text_;
+    if (!text.has_wide) {
+        text.wide = widen(text.narrow);
+        text.has_wide = true;
     }
-    return *wide_;
+    return text.wide;
 }
 
 double MJCellValue::NumericValue() const {
@@ -169,57 +155,38 @@ MJCellValue::operator unsigned long() const {
     return static_cast<unsigned long>(value);
 }
 
-void MJCellValue::clear() {
-    kind_ = empty;
-    number_ = 0.0;
-    text_ = std::string();
-    narrowed_ = false;
-    wide_.reset();
-}
-
 CellValue& MJCellValue::operator=(ErrorCode e) {
-    clear();
-    kind_ = error;
+    text_.reset();
     number_ = static_cast<double>(e.code);
+    kind_ = error;
     return *this;
-}
-
-CellValue& MJCellValue::operator=(int i) {
-    return *this = static_cast<double>(i);
 }
 
 CellValue& MJCellValue::operator=(bool b) {
-    clear();
-    kind_ = boolean;
+    text_.reset();
     number_ = b ? 1.0 : 0.0;
-    return *this;
-}
-
-CellValue& MJCellValue::operator=(unsigned long u) {
-    return *this = static_cast<double>(u);
-}
-
-CellValue& MJCellValue::operator=(double d) {
-    clear();
-    kind_ = number;
-    number_ = d;
+    kind_ = boolean;
     return *this;
 }
 
 CellValue& MJCellValue::operator=(const std::u16string& s) {
-    // s may be this cell's own text: copy before anything is released.
-    auto wide = std::make_unique<std::u16string>(s);
-    clear();
+    // s may be this cell's own text: copy it before the old text goes.
+    auto text = std::make_unique<Text>();
+    text->wide = s;
+    text->has_wide = true;
+    text_ = std::move(text);
+    number_ = 0.0;
     kind_ = wide_string;
-    wide_ = std::move(wide);
     return *this;
 }
 
 CellValue& MJCellValue::operator=(const std::string& s) {
-    std::string text(s);
-    clear();
-    kind_ = narrow_string;
+    auto text = std::make_unique<Text>();
+    text->narrow = s;
+    text->has_narrow = true;
     text_ = std::move(text);
+    number_ = 0.0;
+    kind_ = narrow_string;
     return *this;
 }
 

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace zentable {
 
@@ -71,15 +72,19 @@ class MJCellValue final : public CellValue {
   public:
     MJCellValue() = default;
     MJCellValue(const MJCellValue& other);
-    MJCellValue(MJCellValue&& other) noexcept;
+    MJCellValue(MJCellValue&& other) noexcept
+        : CellValue(), number_(other.number_), text_(std::move(other.text_)), kind_(other.kind_) {
+        other.clear();
+    }
     explicit MJCellValue(const std::string& s) { *this = s; }
     explicit MJCellValue(const char* s) { *this = std::string(s); }
     explicit MJCellValue(const std::u16string& s) { *this = s; }
-    explicit MJCellValue(double d) { *this = d; }
-    explicit MJCellValue(int i) { *this = i; }
-    explicit MJCellValue(bool b) { *this = b; }
+    explicit MJCellValue(double d) : number_(d), kind_(number) {}
+    explicit MJCellValue(int i) : number_(static_cast<double>(i)), kind_(number) {}
+    explicit MJCellValue(bool b) : number_(b ? 1.0 : 0.0), kind_(boolean) {}
     MJCellValue& operator=(const MJCellValue& other);
     MJCellValue& operator=(MJCellValue&& other) noexcept;
+    ~MJCellValue() override = default;
 
     bool IsAString() const override { return kind_ == narrow_string; }
     bool IsAWstring() const override { return kind_ == wide_string; }
@@ -101,27 +106,44 @@ class MJCellValue final : public CellValue {
     operator double() const override { return NumericValue(); }
     operator unsigned long() const override;
 
-    void clear() override;
+    void clear() override {
+        text_.reset();
+        number_ = 0.0;
+        kind_ = empty;
+    }
 
     using CellValue::operator=;
     CellValue& operator=(ErrorCode e) override;
-    CellValue& operator=(int i) override;
+    CellValue& operator=(int i) override { return *this = static_cast<double>(i); }
     CellValue& operator=(bool b) override;
-    CellValue& operator=(unsigned long u) override;
-    CellValue& operator=(double d) override;
+    CellValue& operator=(unsigned long u) override { return *this = static_cast<double>(u); }
+    CellValue& operator=(double d) override {
+        text_.reset();
+        number_ = d;
+        kind_ = number;
+        return *this;
+    }
     CellValue& operator=(const std::u16string& s) override;
     CellValue& operator=(const std::string& s) override;
 
     Kind kind() const override { return kind_; }
 
   private:
-    Kind kind_ = empty;
+    // The texts live apart from the cell, so that the number cells that make
+    // up most big tables stay small and never allocate.
+    struct Text {
+        // Narrow text; for a wide cell, its narrowed copy, made on first read.
+        std::string narrow;
+        // Wide text; for a narrow cell, its widened copy, made on first read.
+        std::u16string wide;
+        bool has_narrow = false;
+        bool has_wide = false;
+    };
+
     double number_ = 0.0;  // number, boolean (0 or 1) or error code
-    // Narrow text; for a wide cell, its narrowed copy, made on first read.
-    mutable std::string text_;
-    mutable bool narrowed_ = false;
-    // Wide text; for a narrow cell, its widened copy, made on first read.
-    mutable std::unique_ptr<std::u16string> wide_;
+    // Set for string cells only. The cached copies are written on a const read.
+    std::unique_ptr<Text> text_;
+    Kind kind_ = empty;
 };
 
 }  // namespace zentable

@@ -50,6 +50,43 @@ TEST(CellMatrix, PushBottomWidensAndLeavesOtherCopiesAlone) {
     EXPECT_EQ(wide(2, 1).NumericValue(), 2.0);
 }
 
+TEST(CellMatrix, BigTablesHoldEveryKindAndSurviveJoining) {
+    // Big enough to be laid out in one block rather than row by row.
+    const std::size_t rows = 500;
+    const std::size_t columns = 400;
+    CellMatrix big(rows, columns);
+    EXPECT_TRUE(big(rows - 1, columns - 1).IsEmpty());
+    for (std::size_t i = 0; i < rows; ++i)
+        for (std::size_t j = 0; j < columns; ++j)
+            big(i, j) = static_cast<double>(i * columns + j);
+    big(0, 0) = "corner";
+    big(rows - 1, columns - 1) = std::u16string(u"w\u00e9");
+    big(3, 4) = true;
+    big(5, 6) = CellValue::ErrorCode{7};
+    big(7, 8).clear();
+
+    CellMatrix joined = big;
+    joined.PushBottom(make_table({{"tail", 1.5}}));
+    ASSERT_EQ(joined.RowsInStructure(), rows + 1);
+    ASSERT_EQ(big.RowsInStructure(), rows);
+    // The joined table holds copies: changing the original leaves it alone.
+    big(1, 1) = "changed";
+    for (const CellMatrix* table : {&big, &joined}) {
+        const CellMatrix& t = *table;
+        EXPECT_EQ(t(0, 0).StringValue(), "corner");
+        EXPECT_EQ(t(rows - 1, columns - 1).StringValue(), "w\xe9");
+        EXPECT_TRUE(t(3, 4).BooleanValue());
+        EXPECT_EQ(t(5, 6).ErrorValue(), 7ul);
+        EXPECT_TRUE(t(7, 8).IsEmpty());
+        EXPECT_EQ(t(rows - 2, columns - 3).NumericValue(),
+                  static_cast<double>((rows - 2) * columns + columns - 3));
+    }
+    EXPECT_EQ(big(1, 1).StringValue(), "changed");
+    EXPECT_EQ(joined(1, 1).NumericValue(), static_cast<double>(columns + 1));
+    EXPECT_EQ(joined(rows, 0).StringValue(), "tail");
+    EXPECT_TRUE(joined(rows, 2).IsEmpty());
+}
+
 TEST(CellConversions, DoubleAndTextOfEachKind) {
     CellMatrix t = make_table({{4.25, "3.5abc", "abc", u"-2.5e1", true, blank}});
     const double numbers[] = {4.25, 3.5, 0.0, -25.0, 1.0, 0.0};
