@@ -126,7 +126,7 @@ TEST(GroupSummary, WeightedStatisticsTotalFirstThenGroupsAscending) {
     EXPECT_EQ(out[0][2], 3.0);
 }
 
-TEST(BinaryEvalCore, PairCountsAndGainsMatchBruteForce) {
+TEST(BinaryEvalCore, PairCountsAndGainsMatchBruteForceAndEdges) {
     std::mt19937 rng(17);
     std::uniform_int_distribution<int> score_step(0, 12);  // few distinct scores: many ties
     std::uniform_real_distribution<double> weight(0.5, 3.0);
@@ -208,11 +208,9 @@ TEST(BinaryEvalCore, PairCountsAndGainsMatchBruteForce) {
     EXPECT_NEAR(e.hl_chi_square, hl, 1e-9);
     const double df = std::max<double>(g.size() - 1, 3) - 2;
     EXPECT_NEAR(e.hl_p_value, boost::math::gamma_q(df / 2, hl / 2), 1e-6);
-}
 
-TEST(BinaryEvalCore, EdgesOfTheCounts) {
     // All scores equal: one run, every pair tied, gamma 0 / 0, one bin.
-    BinaryEval e;
+    e = BinaryEval();
     binary_eval_core({{1, 0.3, 1}, {0, 0.3, 1}, {0, 0.3, 2}, {1, 0.3, 1}}, 5, e);
     EXPECT_EQ(e.pairs, 4);
     EXPECT_EQ(e.tied, 1);
@@ -246,7 +244,7 @@ TEST(BinaryEvalCore, EdgesOfTheCounts) {
     EXPECT_EQ(e.pairs, 2500000000.0 - 4294967296.0);
 }
 
-TEST(ContEvalCore, MatchesStatisticsComputedDirectly) {
+TEST(ContEvalCore, MatchesStatisticsComputedDirectlyAndEdges) {
     std::mt19937 rng(5);
     std::normal_distribution<double> noise(0.0, 1.5);
     std::uniform_real_distribution<double> u(0.0, 10.0);
@@ -295,10 +293,8 @@ TEST(ContEvalCore, MatchesStatisticsComputedDirectly) {
     EXPECT_NEAR(e.p_value, boost::math::cdf(boost::math::complement(fisher, f)), 1e-6);
 
     ASSERT_EQ(e.gains.size(), totals_by_group(records, bins).size());
-}
 
-TEST(ContEvalCore, TooFewRecordsForTheParameters) {
-    ContEval e;
+    e = ContEval();
     cont_eval_core({{1, 1.5, 1}, {2, 1.5, 1}, {4, 3, 1}}, 3, 0, e);
     // sst 4.6667, sse 1.5: no degrees of freedom left for the error.
     EXPECT_NEAR(e.r_square, 1 - 1.5 / (14.0 / 3), 1e-12);

@@ -24,13 +24,35 @@ void expect_matrix_near(const dmat& actual, const dmat& expected, double tol) {
 
 }  // namespace
 
-TEST(MatrixShapes, IdentityAndTranspose) {
+TEST(MatrixBasics, ShapesDiagonalsAndTests) {
     EXPECT_EQ(identity(3), (dmat{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}));
     EXPECT_TRUE(identity(0).empty());
 
     EXPECT_EQ(transpose(dmat{{1, 2, 3}, {4, 5, 6}}), (dmat{{1, 4}, {2, 5}, {3, 6}}));
     EXPECT_THROW(transpose(dmat{}), std::out_of_range);
     EXPECT_TRUE(transpose(dmat{{}, {}}).empty());
+
+    const dmat a{{1, 2}, {3, 4}};
+    EXPECT_EQ(diag(a), (dvec{1, 4}));
+    EXPECT_EQ(vecdiag(a), (dvec{1, 4}));
+    EXPECT_EQ(trace(a), 5.0);
+    EXPECT_EQ(diag(dvec{2, 3}), (dmat{{2, 0}, {0, 3}}));
+
+    const dmat wide{{1, 2, 3}, {4, 5, 6}};
+    EXPECT_EQ(THROWN_TEXT(diag(wide)), "matrix is not square in diag()");
+    EXPECT_EQ(THROWN_TEXT(vecdiag(wide)), "matrix is not square in vecdiag()");
+    EXPECT_EQ(THROWN_TEXT(trace(wide)), "matrix is not square in trace()");
+
+    EXPECT_TRUE(is_zero(0.0));
+    EXPECT_TRUE(is_zero(2.220446049250313e-16));
+    EXPECT_TRUE(is_zero(-2.220446049250313e-16));
+    EXPECT_FALSE(is_zero(std::nextafter(2.220446049250313e-16, 1.0)));
+    EXPECT_FALSE(is_zero(std::nextafter(-2.220446049250313e-16, -1.0)));
+    // Both comparisons are "not greater", and a NaN is greater than nothing.
+    EXPECT_TRUE(is_zero(std::numeric_limits<double>::quiet_NaN()));
+
+    EXPECT_EQ(max_abs(dmat{{-5, 2}, {3, -7}}), 7.0);
+    EXPECT_EQ(max_abs(dvec{-5, 2}), 5.0);
 }
 
 TEST(MatrixArithmetic, ElementwiseOperations) {
@@ -88,32 +110,6 @@ TEST(MatrixArithmetic, SumsRunInIncreasingOrderFromZero) {
     EXPECT_FALSE(std::signbit(mat_mul(dmat{{-1}}, dmat{{0}})[0][0]));
 }
 
-TEST(MatrixDiagonal, SquareTestsHaveTheirOwnTexts) {
-    const dmat a{{1, 2}, {3, 4}};
-    EXPECT_EQ(diag(a), (dvec{1, 4}));
-    EXPECT_EQ(vecdiag(a), (dvec{1, 4}));
-    EXPECT_EQ(trace(a), 5.0);
-    EXPECT_EQ(diag(dvec{2, 3}), (dmat{{2, 0}, {0, 3}}));
-
-    const dmat wide{{1, 2, 3}, {4, 5, 6}};
-    EXPECT_EQ(THROWN_TEXT(diag(wide)), "matrix is not square in diag()");
-    EXPECT_EQ(THROWN_TEXT(vecdiag(wide)), "matrix is not square in vecdiag()");
-    EXPECT_EQ(THROWN_TEXT(trace(wide)), "matrix is not square in trace()");
-}
-
-TEST(MatrixTests, ZeroAndLargestAbsoluteValue) {
-    EXPECT_TRUE(is_zero(0.0));
-    EXPECT_TRUE(is_zero(2.220446049250313e-16));
-    EXPECT_TRUE(is_zero(-2.220446049250313e-16));
-    EXPECT_FALSE(is_zero(std::nextafter(2.220446049250313e-16, 1.0)));
-    EXPECT_FALSE(is_zero(std::nextafter(-2.220446049250313e-16, -1.0)));
-    // Both comparisons are "not greater", and a NaN is greater than nothing.
-    EXPECT_TRUE(is_zero(std::numeric_limits<double>::quiet_NaN()));
-
-    EXPECT_EQ(max_abs(dmat{{-5, 2}, {3, -7}}), 7.0);
-    EXPECT_EQ(max_abs(dvec{-5, 2}), 5.0);
-}
-
 TEST(Inverse, KnownInversesAndIdentity) {
     // det 10: the inverse is the adjugate over 10.
     expect_matrix_near(inverse(dmat{{4, 7}, {2, 6}}), dmat{{0.6, -0.7}, {-0.2, 0.4}}, 1e-15);
@@ -128,11 +124,9 @@ TEST(Inverse, KnownInversesAndIdentity) {
     expect_matrix_near(mat_mul(a, inverse(a)), identity(4), 1e-14);
 
     EXPECT_TRUE(inverse(dmat{}).empty());
-}
 
-// Rows are divided by the pivot, not multiplied by its reciprocal:
-// 3 * (1 / 10) would leave 0.30000000000000004 where 3 / 10 gives 0.3.
-TEST(GaussJordan, PivotRowsAreDivided) {
+    // Rows are divided by the pivot, not multiplied by its reciprocal:
+    // 3 * (1 / 10) would leave 0.30000000000000004 where 3 / 10 gives 0.3.
     EXPECT_EQ(inverse(dmat{{10, 3}, {0, 1}}), (dmat{{0.1, -0.3}, {0, 1}}));
     EXPECT_EQ(sweep(dmat{{10, 3}}, ivec{0}), (dmat{{0.1, 0.3}}));
 }

@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <string>
 #include <vector>
 
+#include "../support/tables.hpp"
+
 using namespace zentable;
+using zentable::testing::thrown_text;
 
 namespace {
 
@@ -26,17 +28,6 @@ double value_of(const CellMatrix& table) {
     EXPECT_EQ(table.ColumnsInStructure(), 1u);
     EXPECT_TRUE(table(0, 0).IsANumber());
     return table(0, 0).NumericValue();
-}
-
-std::string thrown_text(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const std::string& s) {
-        return s;
-    } catch (const char* s) {
-        return s;
-    }
-    return "";
 }
 
 std::string text_at(const CellMatrix& t, std::size_t i, std::size_t j) {

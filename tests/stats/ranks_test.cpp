@@ -26,7 +26,7 @@ std::vector<std::string> column_of(const CellMatrix& t) {
     return out;
 }
 
-TEST(Ranks, NumBinsEqualToNGivesTheFamiliarRanks) {
+TEST(Ranks, FamiliarRanksTiesAndMissingRecords) {
     // rank = trunc(position * 4 / 5) + 1: positions 1..4 give 1..4.
     const CellMatrix x = make_table({{"v"}, {30.0}, {10.0}, {20.0}, {40.0}});
     EXPECT_EQ(column_of(ranks(x, CellMatrix(4.0), kOmitted)),
@@ -36,17 +36,15 @@ TEST(Ranks, NumBinsEqualToNGivesTheFamiliarRanks) {
     // Two groups: trunc(2 p / 5) + 1 is 1, 1, 2, 2 for p = 1..4.
     EXPECT_EQ(column_of(ranks(x, CellMatrix(2.0), CellMatrix(1.0))),
               (Row{"s:v", "n:2", "n:1", "n:1", "n:2"}));
-}
 
-TEST(Ranks, TiesShareTheRankOfTheirMeanPositionAndMissingRecordsShowADot) {
     // Valid values 5, 1, 5, 3, 5: sorted 1, 3, 5, 5, 5. The 5s hold positions
     // 3 to 5, mean 4: trunc(4 * 5 / 6) + 1 = 4. 1 -> trunc(5 / 6) + 1 = 1;
     // 3 -> trunc(10 / 6) + 1 = 2. The text and the blank do not count in n.
-    const CellMatrix x = make_table({{"v"}, {5.0}, {"x"}, {1.0}, {5.0}, {blank}, {3.0}, {5.0}});
-    EXPECT_EQ(column_of(ranks(x, CellMatrix(5.0), kOmitted)),
+    const CellMatrix tied = make_table({{"v"}, {5.0}, {"x"}, {1.0}, {5.0}, {blank}, {3.0}, {5.0}});
+    EXPECT_EQ(column_of(ranks(tied, CellMatrix(5.0), kOmitted)),
               (Row{"s:v", "n:4", "s:.", "n:1", "n:4", "s:.", "n:2", "n:4"}));
     // From the top the 5s hold positions 1 to 3, mean 2: trunc(10 / 6) + 1 = 2.
-    EXPECT_EQ(column_of(ranks(x, CellMatrix(5.0), CellMatrix(-1.0))),
+    EXPECT_EQ(column_of(ranks(tied, CellMatrix(5.0), CellMatrix(-1.0))),
               (Row{"s:v", "n:2", "s:.", "n:5", "n:2", "s:.", "n:4", "n:2"}));
 }
 
@@ -65,7 +63,7 @@ TEST(Ranks, InputFailures) {
     EXPECT_EQ(failure_text([&] { ranks(x, two, CellMatrix(2.0)); }), "Input order must be 1 or -1");
 }
 
-TEST(RanksFromFile, AppendsTheRanksOfTheCellFormAsANewColumn) {
+TEST(RanksFromFile, AppendsTheRanksAndWillNotWriteOverItsInput) {
     const std::string in =
         testing::temp_file("ranks_in.csv", "v,id\n5,1\nx,2\n1,3\n5,4\n,5\n3,6\n5,7\n");
     const std::string out = ::testing::TempDir() + "stats_ranks_out.csv";
@@ -73,19 +71,16 @@ TEST(RanksFromFile, AppendsTheRanksOfTheCellFormAsANewColumn) {
     const CellMatrix result = ranks_from_file(CellMatrix("v"), in, CellMatrix("rank"), out,
                                               CellMatrix(5.0), kOmitted, kOmitted);
     EXPECT_EQ(column_of(result), (Row{"s:The ranks rank have been appended in the file " + out}));
-    // The ranks of the same records as cells (the test above): 4 . 1 4 . 2 4.
+    // The ranks of the same records as cells (above): 4 . 1 4 . 2 4.
     EXPECT_EQ(testing::file_text(out),
               "v,id,rank\n5,1,4\nx,2,nan\n1,3,1\n5,4,4\n,5,nan\n3,6,2\n5,7,4\n");
-}
 
-TEST(RanksFromFile, WillNotWriteOverItsInput) {
-    const std::string in = testing::temp_file("ranks_args.csv", "v\n1\n");
     EXPECT_EQ(failure_text([&] {
                   ranks_from_file(CellMatrix("v"), in, CellMatrix("r"), in, CellMatrix(2.0),
                                   kOmitted, kOmitted);
               }),
               "Input file and output file must be different");
-    EXPECT_EQ(testing::file_text(in), "v\n1\n");
+    EXPECT_EQ(testing::file_text(in), "v,id\n5,1\nx,2\n1,3\n5,4\n,5\n3,6\n5,7\n");
 }
 
 }  // namespace

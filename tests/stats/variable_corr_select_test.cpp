@@ -55,7 +55,7 @@ std::vector<std::size_t> pair_list(const CorrSelection& s) {
     return out;
 }
 
-TEST(SelectByCorrelation, StrongestKeeperFirstDropsAllItsPartners) {
+TEST(SelectByCorrelation, StrongestKeeperFirstAndTiesToTheFirst) {
     // |corr with y|: v0 .5, v1 .9, v2 .3, v3 .6, v4 .2. Pairs at |r| >= .8:
     // (0,1) keeper 1, (0,2) keeper 0, (2,3) keeper 3, (3,4) keeper 3; (1,4)
     // at -.79 is out and (2,4) at exactly .8 is in, keeper 2.
@@ -67,14 +67,12 @@ TEST(SelectByCorrelation, StrongestKeeperFirstDropsAllItsPartners) {
     // Keeper 1 (.9) drops 0, which takes (0,2) with it. Keeper 3 (.6) then
     // drops 2 and 4, so 2 never gets to keep 4.
     EXPECT_EQ(s.dropped, (std::vector<std::size_t>{0, 2, 4}));
-}
 
-TEST(SelectByCorrelation, TiesGoToTheFirstPairAndTheFirstVariable) {
     // Equal |corr with y| everywhere: (0,1) is taken first and its keeper is 0.
-    const dmat rxx = symmetric(3, {{0.9, 0.0}, {0.9}});
-    const CorrSelection s = select_by_correlation(rxx, {0.4, -0.4, 0.4}, 0.5);
-    EXPECT_EQ(pair_list(s), (std::vector<std::size_t>{0, 1, 0, 1, 2, 1}));
-    EXPECT_EQ(s.dropped, (std::vector<std::size_t>{1}));
+    const CorrSelection tie =
+        select_by_correlation(symmetric(3, {{0.9, 0.0}, {0.9}}), {0.4, -0.4, 0.4}, 0.5);
+    EXPECT_EQ(pair_list(tie), (std::vector<std::size_t>{0, 1, 0, 1, 2, 1}));
+    EXPECT_EQ(tie.dropped, (std::vector<std::size_t>{1}));
 }
 
 TEST(VariableCorrSelect, ReportsWeightedCorrelationsAndTheTwoLists) {

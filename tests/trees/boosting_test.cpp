@@ -15,28 +15,20 @@
 #include "trees/boosting_model.hpp"
 #include "trees/tree.hpp"
 #include "trees/tree_boosting.hpp"
+#include "trees_testing.hpp"
 
 namespace zentable {
 namespace {
 
 using testing::column;
+using testing::kOmitted;
 using testing::make_table;
+using testing::num;
 using testing::render_report;
 using testing::table_with_header;
+using testing::text;
 using testing::thrown_text;
 using Rows = std::vector<std::vector<double>>;
-
-const CellMatrix kOmitted(1, 1);
-
-double num(const CellMatrix& t, std::size_t r, std::size_t c) {
-    EXPECT_TRUE(t(r, c).IsANumber()) << "cell " << r << "," << c;
-    return t(r, c).IsANumber() ? t(r, c).NumericValue() : NAN;
-}
-
-std::string text(const CellMatrix& t, std::size_t r, std::size_t c) {
-    EXPECT_TRUE(t(r, c).IsString()) << "cell " << r << "," << c;
-    return t(r, c).IsString() ? t(r, c).StringValue() : "";
-}
 
 // The test's own walk: from the node numbered 1, left when the split point
 // is at or above the value, found by number; returns the leaf.

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <fstream>
 #include <map>
 #include <random>
 #include <set>
@@ -15,29 +16,21 @@
 #include "models/scoring.hpp"
 #include "trees/tree.hpp"
 #include "trees/tree_core.hpp"
+#include "trees_testing.hpp"
 
 namespace zentable {
 namespace {
 
 using testing::column;
+using testing::kOmitted;
 using testing::make_table;
+using testing::num;
 using testing::render;
 using testing::render_report;
 using testing::table_with_header;
+using testing::text;
 using testing::thrown_text;
 using Rows = std::vector<std::vector<double>>;
-
-const CellMatrix kOmitted(1, 1);
-
-double num(const CellMatrix& t, std::size_t r, std::size_t c) {
-    EXPECT_TRUE(t(r, c).IsANumber()) << "cell " << r << "," << c;
-    return t(r, c).IsANumber() ? t(r, c).NumericValue() : NAN;
-}
-
-std::string text(const CellMatrix& t, std::size_t r, std::size_t c) {
-    EXPECT_TRUE(t(r, c).IsString()) << "cell " << r << "," << c;
-    return t(r, c).IsString() ? t(r, c).StringValue() : "";
-}
 
 // The node rows of a tree report: NodeIndex -> row number.
 std::map<long long, std::size_t> node_rows(const CellMatrix& t, std::size_t first) {
@@ -109,37 +102,30 @@ TEST(Tree, FindsTheTwoThresholdsAndWeightedLeafMeans) {
     }
     EXPECT_EQ(points, (std::set<double>{100.0, 200.0}));
 
-    // Each leaf's mean is the weighted mean of the records that its path
-    // selects, computed here from the thresholds.
+    // Each record's leaf from the two thresholds: the root's split, then on
+    // one side the other split. A leaf's count and weighted mean are those of
+    // the records it gets.
     const auto root = rows.at(1);
     const double first_point = num(t, root, 7);
-    for (const auto& [index, r] : rows) {
-        if (text(t, r, 9) != "YES")
-            continue;
-        double lo = -1e300, hi = 1e300;
-        // Leaves hang off the root's split then, on one side, the other split.
-        if (index == 2 || index == 4 || index == 5)
-            hi = first_point;
-        else
-            lo = first_point;
-        if (index >= 4) {
-            const double second = first_point == 100.0 ? 200.0 : 100.0;
-            if (index % 2 == 0)
-                hi = second;
-            else
-                lo = second;
-        }
-        long double sw = 0, swy = 0;
-        int count = 0;
-        for (std::size_t i = 0; i < d.y.size(); ++i) {
-            if (d.x[i][0] > lo && d.x[i][0] <= hi) {
-                sw += d.w[i];
-                swy += d.w[i] * d.y[i];
-                ++count;
-            }
-        }
-        EXPECT_EQ(num(t, r, 3), count) << "node " << index;
-        EXPECT_NEAR(num(t, r, 4), static_cast<double>(swy / sw), 1e-12) << "node " << index;
+    auto leaf_of = [&](double x1) {
+        if (first_point == 100.0)
+            return x1 <= 100.0 ? 2LL : (x1 <= 200.0 ? 6LL : 7LL);
+        return x1 <= 200.0 ? (x1 <= 100.0 ? 4LL : 5LL) : 3LL;
+    };
+    std::map<long long, std::vector<long double>> leaves;  // count, sum w, sum w y
+    for (std::size_t i = 0; i < d.y.size(); ++i) {
+        auto& s = leaves[leaf_of(d.x[i][0])];
+        s.resize(3);
+        s[0] += 1;
+        s[1] += d.w[i];
+        s[2] += d.w[i] * d.y[i];
+    }
+    ASSERT_EQ(leaves.size(), 3u);
+    for (const auto& [index, s] : leaves) {
+        const std::size_t r = rows.at(index);
+        EXPECT_EQ(text(t, r, 9), "YES") << "node " << index;
+        EXPECT_EQ(num(t, r, 3), static_cast<double>(s[0])) << "node " << index;
+        EXPECT_NEAR(num(t, r, 4), static_cast<double>(s[2] / s[1]), 1e-12) << "node " << index;
     }
 
     // The root's gain is the largest reduction of the weighted sum of squares
@@ -176,14 +162,7 @@ TEST(Tree, FindsTheTwoThresholdsAndWeightedLeafMeans) {
     const CellMatrix scored = model_score(handle, table_with_header({"x1", "x2"}, d.x));
     long double sse = 0, sw = 0, swy = 0;
     for (std::size_t i = 0; i < d.y.size(); ++i) {
-        const double x1 = d.x[i][0];
-        const long long leaf = [&] {
-            const bool left = x1 <= first_point;
-            if (first_point == 100.0)
-                return left ? 2LL : (x1 <= 200.0 ? 6LL : 7LL);
-            return left ? (x1 <= 100.0 ? 4LL : 5LL) : 3LL;
-        }();
-        EXPECT_EQ(num(scored, i + 1, 0), num(t, rows.at(leaf), 4)) << "record " << i;
+        EXPECT_EQ(num(scored, i + 1, 0), num(t, rows.at(leaf_of(d.x[i][0])), 4)) << "record " << i;
         const double e = d.y[i] - num(scored, i + 1, 0);
         sse += d.w[i] * e * e;
         sw += d.w[i];
@@ -442,21 +421,18 @@ TEST(Tree, ConfigurationAndDataFailures) {
 
 TEST(Tree, FromFileMatchesTheTableForm) {
     const std::string path = ::testing::TempDir() + "tree_from_file.csv";
-    {
-        std::FILE* f = std::fopen(path.c_str(), "w");
-        std::fprintf(f, "id;a;y;w\n");
-        for (int i = 1; i <= 40; ++i)
-            std::fprintf(f, "%d;%d;%g;%d\n", i, (i * 7) % 40, ((i * 7) % 40) > 17 ? 3.5 : 1.0,
-                         1 + i % 2);
-        std::fprintf(f, "41;;5;1\n");  // missing a: left out
-        std::fclose(f);
-    }
     Rows x;
     std::vector<double> y, w;
-    for (int i = 1; i <= 40; ++i) {
-        x.push_back({static_cast<double>((i * 7) % 40)});
-        y.push_back(((i * 7) % 40) > 17 ? 3.5 : 1.0);
-        w.push_back(1 + i % 2);
+    {
+        std::ofstream out(path);
+        out << "id;a;y;w\n";
+        for (int i = 1; i <= 40; ++i) {
+            x.push_back({static_cast<double>((i * 7) % 40)});
+            y.push_back(x.back()[0] > 17 ? 3.5 : 1.0);
+            w.push_back(1 + i % 2);
+            out << i << ';' << x.back()[0] << ';' << y.back() << ';' << w.back() << '\n';
+        }
+        out << "41;;5;1\n";  // missing a: left out
     }
     const CellMatrix config = make_table({{"MINSIZE", 5}, {"MINCHILD", 2}});
     const CellMatrix from_file = tree_from_file(path, make_table({{"a"}}), CellMatrix("y"), config,
