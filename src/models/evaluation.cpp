@@ -421,6 +421,19 @@ void binary_eval_table(const dmat& records, int numBins, const std::string& titl
     end_report(result, name);
 }
 
+void write_cont_eval_rows(CellMatrix& r, const ContEval& eval) {
+    write_variance_rows(r, 9, eval.n, eval.k, eval.ssr, eval.sse, eval.sst, eval.f_value,
+                        eval.p_value);
+    r(14, 0) = "RMSE";
+    r(14, 1) = eval.rmse;
+    r(15, 0) = "Y-actual Mean";
+    r(15, 1) = eval.y_mean;
+    r(16, 0) = "Y-predicted Mean";
+    r(16, 1) = eval.p_mean;
+    r(17, 0) = "Coeff Var";
+    r(17, 1) = eval.coeff_var;
+}
+
 void cont_eval_table(const dmat& records, int k, int numBins, const std::string& title,
                      const std::string& name, CellMatrix& result) {
     ContEval eval;
@@ -438,32 +451,7 @@ void cont_eval_table(const dmat& records, int k, int numBins, const std::string&
     result(7, 0) = "Adj R-Square";
     result(7, 1) = eval.adj_r_square;
 
-    const char* const columns[] = {"DF", "Sum", "Mean", "F Value", "P Value"};
-    for (std::size_t j = 0; j < 5; ++j)
-        result(9, j + 1) = columns[j];
-    result(10, 0) = "SSR";
-    result(10, 1) = k - 1;
-    result(10, 2) = eval.ssr;
-    result(10, 3) = eval.ssr / (k - 1);  // a one-parameter model shows the division by zero
-    result(10, 4) = eval.f_value;
-    result(10, 5) = eval.p_value;
-    result(11, 0) = "SSE";
-    result(11, 1) = n - k;
-    result(11, 2) = eval.sse;
-    result(11, 3) = n > k ? eval.sse / (n - k) : 0.0;
-    result(12, 0) = "SST";
-    result(12, 1) = n - 1;
-    result(12, 2) = eval.sst;
-    result(12, 3) = eval.sst / (n - 1);
-
-    result(14, 0) = "RMSE";
-    result(14, 1) = eval.rmse;
-    result(15, 0) = "Y-actual Mean";
-    result(15, 1) = eval.y_mean;
-    result(16, 0) = "Y-predicted Mean";
-    result(16, 1) = eval.p_mean;
-    result(17, 0) = "Coeff Var";
-    result(17, 1) = eval.coeff_var;
+    write_cont_eval_rows(result, eval);
 
     result(19, 0) = "Gains Chart";
     static const char* const header[] = {

@@ -62,5 +62,8 @@ void binary_eval_table(const dmat& records, int numBins, const std::string& titl
                        const std::string& name, CellMatrix& result);
 void cont_eval_table(const dmat& records, int k, int numBins, const std::string& title,
                      const std::string& name, CellMatrix& result);
+// Rows 9 to 17 of the continuous report: the variance table, RMSE, the means
+// and the coefficient of variation; the tree reports show the same rows.
+void write_cont_eval_rows(CellMatrix& r, const ContEval& eval);
 
 }  // namespace zentable

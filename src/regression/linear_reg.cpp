@@ -7,6 +7,7 @@
 #include "regression/linear_reg_model.hpp"
 #include "xlw/cell_conversions.hpp"
 #include "xlw/decoders.hpp"
+#include "xlw/report.hpp"
 
 namespace zentable {
 
@@ -125,23 +126,7 @@ CellMatrix report_linear_reg(const std::vector<std::string>& names, const Regres
     r(7, 0) = "Adj R-Square";
     r(7, 1) = st.adj_r_square;
 
-    const char* columns[] = {"DF", "Sum", "Mean", "F Value", "P Value"};
-    for (int c = 0; c < 5; ++c)
-        r(9, c + 1) = columns[c];
-    r(10, 0) = "SSR";
-    r(10, 1) = k - 1;
-    r(10, 2) = st.ssr;
-    r(10, 3) = st.ssr / (k - 1);
-    r(10, 4) = st.f_value;
-    r(10, 5) = st.p_value;
-    r(11, 0) = "SSE";
-    r(11, 1) = n - k;
-    r(11, 2) = st.sse;
-    r(11, 3) = n > k ? st.sse / (n - k) : 0.0;
-    r(12, 0) = "SST";
-    r(12, 1) = n - 1;
-    r(12, 2) = st.sst;
-    r(12, 3) = st.sst / (n - 1);
+    write_variance_rows(r, 9, n, k, st.ssr, st.sse, st.sst, st.f_value, st.p_value);
 
     r(14, 0) = "RMSE";
     r(14, 1) = st.rmse;

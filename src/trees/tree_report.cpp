@@ -5,42 +5,16 @@
 namespace zentable {
 
 void write_anova_block(CellMatrix& r, const ContEval& eval, int nv) {
-    const int n = eval.n;
-    const int k = eval.k;
     r(2, 0) = "Analysis of Variance";
     r(4, 0) = "Number of Records";
-    r(4, 1) = n;
+    r(4, 1) = eval.n;
     r(5, 0) = "Number of Variables";
     r(5, 1) = nv;
     r(6, 0) = "R-Square";
     r(6, 1) = eval.r_square;
     r(7, 0) = "Adj R-Square";
     r(7, 1) = eval.adj_r_square;
-    const char* headers[] = {"DF", "Sum", "Mean", "F Value", "P Value"};
-    for (int c = 0; c < 5; ++c)
-        r(9, c + 1) = headers[c];
-    r(10, 0) = "SSR";
-    r(10, 1) = k - 1;
-    r(10, 2) = eval.ssr;
-    r(10, 3) = eval.ssr / (k - 1);
-    r(10, 4) = eval.f_value;
-    r(10, 5) = eval.p_value;
-    r(11, 0) = "SSE";
-    r(11, 1) = n - k;
-    r(11, 2) = eval.sse;
-    r(11, 3) = eval.sse / (n - k);
-    r(12, 0) = "SST";
-    r(12, 1) = n - 1;
-    r(12, 2) = eval.sst;
-    r(12, 3) = eval.sst / (n - 1);
-    r(14, 0) = "RMSE";
-    r(14, 1) = eval.rmse;
-    r(15, 0) = "Y-actual Mean";
-    r(15, 1) = eval.y_mean;
-    r(16, 0) = "Y-predicted Mean";
-    r(16, 1) = eval.p_mean;
-    r(17, 0) = "Coeff Var";
-    r(17, 1) = eval.coeff_var;
+    write_cont_eval_rows(r, eval);
 }
 
 void count_events(const dvec& coded, const dvec& weight, BinaryPerformance& p) {
