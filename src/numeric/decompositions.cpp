@@ -19,20 +19,6 @@ constexpr int kMaxSvdRounds = 40;
 // decomposition itself goes through and the caller judges singularity.
 constexpr double kTinyPivot = 1.0e-20;
 
-// sqrt(a^2 + b^2) without overflow or destructive underflow on the way.
-double pythag(double a, double b) {
-    const double absa = std::fabs(a);
-    const double absb = std::fabs(b);
-    if (absa > absb) {
-        const double t = absb / absa;
-        return absa * std::sqrt(1.0 + t * t);
-    }
-    if (absb == 0.0)
-        return 0.0;
-    const double t = absa / absb;
-    return absb * std::sqrt(1.0 + t * t);
-}
-
 // |a| with the sign of b.
 double with_sign(double a, double b) {
     return b >= 0.0 ? std::fabs(a) : -std::fabs(a);

@@ -369,4 +369,18 @@ dmat sweep(const dmat& a, const ivec& pivots) {
     return result;
 }
 
+// sqrt(a^2 + b^2) without overflow or destructive underflow on the way.
+double pythag(double a, double b) {
+    const double absa = std::fabs(a);
+    const double absb = std::fabs(b);
+    if (absa > absb) {
+        const double t = absb / absa;
+        return absa * std::sqrt(1.0 + t * t);
+    }
+    if (absb == 0.0)
+        return 0.0;
+    const double t = absa / absb;
+    return absb * std::sqrt(1.0 + t * t);
+}
+
 }  // namespace zentable

@@ -43,4 +43,7 @@ dmat inverse(const dmat& a);
 // Gauss-Jordan sweep over the pivots in list order.
 dmat sweep(const dmat& a, const ivec& pivots);
 
+// sqrt(a^2 + b^2) without overflow or destructive underflow on the way.
+double pythag(double a, double b);
+
 }  // namespace zentable

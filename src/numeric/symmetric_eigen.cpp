@@ -8,20 +8,6 @@ namespace zentable {
 
 namespace {
 
-// sqrt(a^2 + b^2) without overflow or destructive underflow on the way.
-double pythag(double a, double b) {
-    const double absa = std::fabs(a);
-    const double absb = std::fabs(b);
-    if (absa > absb) {
-        const double t = absb / absa;
-        return absa * std::sqrt(1.0 + t * t);
-    }
-    if (absb == 0.0)
-        return 0.0;
-    const double t = absa / absb;
-    return absb * std::sqrt(1.0 + t * t);
-}
-
 // Householder reduction of the symmetric z to tridiagonal form. On return d
 // holds the diagonal, e the subdiagonal in e[1..n-1] (e[0] is 0), and z the
 // orthogonal matrix that carries the tridiagonal form back to the original.

@@ -234,4 +234,24 @@ dvec logistic_predict(const dmat& x, const dvec& coefs) {
     return out;
 }
 
+void write_model_fit_rows(CellMatrix& r, std::size_t top, int n, int k, double ll0, double ll) {
+    const double log_n = std::log(static_cast<double>(n));
+    r(top, 1) = "Intercept Only";
+    r(top, 2) = "Full Model";
+    r(top + 1, 0) = "AIC";
+    r(top + 1, 1) = 2.0 - 2.0 * ll0;
+    r(top + 1, 2) = 2.0 * k - 2.0 * ll;
+    r(top + 2, 0) = "SC";
+    r(top + 2, 1) = log_n - 2.0 * ll0;
+    r(top + 2, 2) = k * log_n - 2.0 * ll;
+    r(top + 3, 0) = "-2LogL";
+    r(top + 3, 1) = -2.0 * ll0;
+    r(top + 3, 2) = -2.0 * ll;
+    const double r_square = 1.0 - std::exp(2.0 * (ll0 - ll) / n);
+    r(top + 4, 0) = "R-Square";
+    r(top + 4, 2) = r_square;
+    r(top + 5, 0) = "Max-rescaled R-Square";
+    r(top + 5, 2) = r_square / (1.0 - std::exp(2.0 * ll0 / n));
+}
+
 }  // namespace zentable

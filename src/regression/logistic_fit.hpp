@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "numeric/matrix.hpp"
+#include "xlw/cell_matrix.hpp"
 
 namespace zentable {
 
@@ -50,5 +51,10 @@ LogisticFit logistic_fit(const dmat& x, const dvec& y, const dvec& weight);
 
 // The event probability of each row of x.
 dvec logistic_predict(const dmat& x, const dvec& coefs);
+
+// The model fit statistics of a binary model with k parameters on n records,
+// intercept only beside the full model, from the head row `top`: AIC, SC,
+// -2LogL and the two R-squares.
+void write_model_fit_rows(CellMatrix& r, std::size_t top, int n, int k, double ll0, double ll);
 
 }  // namespace zentable

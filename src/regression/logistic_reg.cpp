@@ -18,26 +18,6 @@ constexpr const char* kCommand = "logistic_reg";
 constexpr const char* kBadCoefs =
     "coefs must hold variable names in the first column and coefficients in the second";
 
-void write_model_fit(CellMatrix& r, const LogisticFit& fit, int n, int k) {
-    const double log_n = std::log(static_cast<double>(n));
-    r(11, 1) = "Intercept Only";
-    r(11, 2) = "Full Model";
-    r(12, 0) = "AIC";
-    r(12, 1) = 2.0 - 2.0 * fit.ll0;
-    r(12, 2) = 2.0 * k - 2.0 * fit.ll;
-    r(13, 0) = "SC";
-    r(13, 1) = log_n - 2.0 * fit.ll0;
-    r(13, 2) = k * log_n - 2.0 * fit.ll;
-    r(14, 0) = "-2LogL";
-    r(14, 1) = -2.0 * fit.ll0;
-    r(14, 2) = -2.0 * fit.ll;
-    const double r_square = 1.0 - std::exp(2.0 * (fit.ll0 - fit.ll) / n);
-    r(15, 0) = "R-Square";
-    r(15, 2) = r_square;
-    r(16, 0) = "Max-rescaled R-Square";
-    r(16, 2) = r_square / (1.0 - std::exp(2.0 * fit.ll0 / n));
-}
-
 void write_association(CellMatrix& r, const BinaryEval& eval) {
     r(18, 0) = "%Concordant";
     r(18, 1) = eval.concordant;
@@ -126,7 +106,7 @@ CellMatrix logistic_reg_run(const dmat& x, const dvec& y, const dvec& weight,
     r(8, 1) = levels[1];
     r(9, 0) = "Number of Parameters";
     r(9, 1) = k;
-    write_model_fit(r, fit, n, k);
+    write_model_fit_rows(r, 11, n, k, fit.ll0, fit.ll);
     write_association(r, eval);
 
     r(23, 0) = "Model Parameter Estimates";

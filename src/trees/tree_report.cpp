@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "regression/logistic_fit.hpp"
+
 namespace zentable {
 
 void write_anova_block(CellMatrix& r, const ContEval& eval, int nv) {
@@ -57,23 +59,7 @@ void write_binary_block(CellMatrix& r, const BinaryPerformance& p, const BinaryE
     r(8, 0) = "Number of Variables";
     r(8, 1) = p.candidates;
 
-    const double log_n = std::log(static_cast<double>(n));
-    r(10, 1) = "Intercept Only";
-    r(10, 2) = "Full Model";
-    r(11, 0) = "AIC";
-    r(11, 1) = 2.0 - 2.0 * p.ll0;
-    r(11, 2) = 2.0 * (p.nv + 1) - 2.0 * p.ll1;
-    r(12, 0) = "SC";
-    r(12, 1) = log_n - 2.0 * p.ll0;
-    r(12, 2) = (p.nv + 1) * log_n - 2.0 * p.ll1;
-    r(13, 0) = "-2LogL";
-    r(13, 1) = -2.0 * p.ll0;
-    r(13, 2) = -2.0 * p.ll1;
-    const double r_square = 1.0 - std::exp(2.0 * (p.ll0 - p.ll1) / n);
-    r(14, 0) = "R-Square";
-    r(14, 2) = r_square;
-    r(15, 0) = "Max-rescaled R-Square";
-    r(15, 2) = r_square / (1.0 - std::exp(2.0 * p.ll0 / n));
+    write_model_fit_rows(r, 10, n, p.nv + 1, p.ll0, p.ll1);
 
     r(17, 0) = "%Concordant";
     r(17, 1) = eval.concordant;
