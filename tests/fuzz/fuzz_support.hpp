@@ -11,6 +11,8 @@
 #include <filesystem>
 #include <string>
 
+#include <unistd.h>
+
 #include "commands/entry.hpp"
 
 namespace zentable::fuzz {
@@ -71,9 +73,7 @@ class Bytes {
 inline std::filesystem::path own_folder(const char* target) {
     static const std::filesystem::path folder = [target] {
         const auto p = std::filesystem::temp_directory_path() /
-                       (std::string("zentable-fuzz-") + target + "-" +
-                        std::to_string(static_cast<long long>(std::rand()) ^
-                                       reinterpret_cast<std::uintptr_t>(&require)));
+                       (std::string("zentable-fuzz-") + target + "-" + std::to_string(::getpid()));
         std::filesystem::create_directories(p);
         return p;
     }();
