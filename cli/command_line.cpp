@@ -93,25 +93,11 @@ int call_function(const std::vector<std::string>& words, const OutputOptions& op
                   std::ostream& out, std::ostream& err) {
     const FunctionInfo& f = function_named(words[1]);
     std::vector<GivenArgument> given;
-    for (std::size_t i = 2; i < words.size(); ++i) {
-        const std::string& word = words[i];
-        const auto eq = word.find('=');
-        const std::string name = eq == std::string::npos ? "" : word.substr(0, eq);
-        if (!name.empty() && is_identifier(name)) {
-            bool known = false;
-            for (const ArgumentInfo& a : f.args)
-                known = known || a.name == name;
-            if (!known)
-                throw DriverError(f.excel_name + " has no argument named " + name);
-            given.emplace_back(name, parse_value(word.substr(eq + 1), nullptr));
-        } else {
-            given.emplace_back("", parse_value(word, nullptr));
-        }
-    }
+    for (std::size_t i = 2; i < words.size(); ++i)
+        given.push_back(given_argument(f, words[i], nullptr));
     const GuardedResult r = call_entry(f, bind_arguments(f, given));
     if (r.failed()) {
-        err << (r.table.RowsInStructure() ? cell_text(r.table(0, 0)) : f.excel_name + " failed")
-            << '\n';
+        err << failure_text(f, r) << '\n';
         return 1;
     }
     print_table(out, shown(r.table, options), options.format);

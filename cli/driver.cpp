@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "driver_error.hpp"
+#include "script.hpp"
 #include "xlw/cell_conversions.hpp"
 
 namespace zentable::cli {
@@ -22,37 +23,13 @@ std::string signature(const FunctionInfo& f) {
     return s + ")";
 }
 
-// Splits the inside of a call's parentheses at the commas that stand outside
-// array constants and quoted texts.
-std::vector<std::string> split_arguments(const std::string& inside) {
-    std::vector<std::string> pieces;
-    std::string piece;
-    int depth = 0;
-    bool in_quotes = false;
-    for (char c : inside) {
-        if (in_quotes) {
-            if (c == '"')
-                in_quotes = false;
-        } else if (c == '"') {
-            in_quotes = true;
-        } else if (c == '{') {
-            ++depth;
-        } else if (c == '}') {
-            --depth;
-        } else if (c == ',' && depth == 0) {
-            pieces.push_back(piece);
-            piece.clear();
-            continue;
-        }
-        piece += c;
-    }
-    if (in_quotes)
-        throw DriverError("unterminated text in the arguments");
-    if (depth != 0)
-        throw DriverError("unterminated array constant in the arguments");
-    if (!trim(piece, 0).empty() || !pieces.empty())
-        pieces.push_back(piece);
-    return pieces;
+}  // namespace
+
+const FunctionInfo& function_named(const std::string& name) {
+    const FunctionInfo* f = find_function(name);
+    if (!f)
+        throw DriverError("unknown function " + name + " (zentable list shows them all)");
+    return *f;
 }
 
 // "name=value" names an argument when the name is one of the function's.
@@ -73,66 +50,9 @@ GivenArgument given_argument(const FunctionInfo& f, const std::string& word,
     return {"", parse_value(text, results)};
 }
 
-struct ScriptCall {
-    std::string function;
-    std::string inside;
-};
-
-bool parse_call(const std::string& text, ScriptCall& call) {
-    const auto open = text.find('(');
-    if (open == std::string::npos || text.back() != ')')
-        return false;
-    call.function = trim(text.substr(0, open), 0);
-    call.inside = text.substr(open + 1, text.size() - open - 2);
-    return is_identifier(call.function);
-}
-
-// What may stand alone on the right of "=": a file, an array constant, a
-// text, a number, or an earlier result or a range of it.
-bool is_value_form(const std::string& text, const Results& results) {
-    const char first = text[0];
-    if (first == '@' || first == '{' || first == '"' || is_decimal_number(text))
-        return true;
-    return results.count(text.substr(0, text.find('!'))) > 0;
-}
-
-struct Script {
-    const OutputOptions& options;
-    std::ostream& out;
-    Results results;
-    bool printed_any = false;
-
-    void print(const CellMatrix& table) {
-        if (printed_any)
-            out << '\n';
-        print_table(out, shown(table, options), options.format);
-        printed_any = true;
-    }
-
-    // Runs a call; a failure the guard caught comes back as its text.
-    bool call(const ScriptCall& c, CellMatrix& result, std::string& failure) {
-        const FunctionInfo& f = function_named(c.function);
-        std::vector<GivenArgument> given;
-        for (const std::string& piece : split_arguments(c.inside))
-            given.push_back(given_argument(f, piece, &results));
-        const GuardedResult r = call_entry(f, bind_arguments(f, given));
-        if (r.failed()) {
-            failure =
-                r.table.RowsInStructure() ? cell_text(r.table(0, 0)) : f.excel_name + " failed";
-            return false;
-        }
-        result = r.table;
-        return true;
-    }
-};
-
-}  // namespace
-
-const FunctionInfo& function_named(const std::string& name) {
-    const FunctionInfo* f = find_function(name);
-    if (!f)
-        throw DriverError("unknown function " + name + " (zentable list shows them all)");
-    return *f;
+std::string failure_text(const FunctionInfo& f, const GuardedResult& result) {
+    return result.table.RowsInStructure() ? cell_text(result.table(0, 0))
+                                          : f.excel_name + " failed";
 }
 
 std::vector<CellMatrix> bind_arguments(const FunctionInfo& f,
@@ -232,7 +152,8 @@ int run_script(const std::string& path, const OutputOptions& options, std::ostre
         err << "zentable: cannot open script " << path << '\n';
         return 2;
     }
-    Script script{options, out, {}, false};
+    ScriptSession session;
+    bool printed_any = false;
     std::string line;
     for (int number = 1; std::getline(in, line); ++number) {
         if (!line.empty() && line.back() == '\r')
@@ -242,42 +163,16 @@ int run_script(const std::string& path, const OutputOptions& options, std::ostre
             continue;
         const std::string where = path + ":" + std::to_string(number) + ": ";
         try {
-            ScriptCall call;
-            std::string failure;
-            CellMatrix result;
-            if (text.rfind("print ", 0) == 0) {
-                const std::string what = trim(text.substr(6), 0);
-                const auto bang = what.find('!');
-                if (!script.results.count(what.substr(0, bang)))
-                    throw DriverError("no earlier result is named " + what.substr(0, bang));
-                script.print(parse_value(what, &script.results));
-                continue;
+            const StatementOutcome done = session.run(text);
+            if (done.kind == StatementOutcome::failed) {
+                err << where << done.failure << '\n';
+                return 1;
             }
-            const auto eq = text.find('=');
-            const std::string target = eq == std::string::npos ? "" : trim(text.substr(0, eq), 0);
-            if (is_identifier(target)) {
-                const std::string rhs = trim(text.substr(eq + 1), 0);
-                if (rhs.empty())
-                    throw DriverError("nothing to assign to " + target);
-                if (parse_call(rhs, call)) {
-                    if (!script.call(call, result, failure)) {
-                        err << where << failure << '\n';
-                        return 1;
-                    }
-                } else if (is_value_form(rhs, script.results)) {
-                    result = parse_value(rhs, &script.results);
-                } else {
-                    throw DriverError("cannot read this line: " + text);
-                }
-                script.results[target] = result;
-            } else if (parse_call(text, call)) {
-                if (!script.call(call, result, failure)) {
-                    err << where << failure << '\n';
-                    return 1;
-                }
-                script.print(result);
-            } else {
-                throw DriverError("cannot read this line: " + text);
+            if (done.kind == StatementOutcome::printed) {
+                if (printed_any)
+                    out << '\n';
+                print_table(out, shown(done.table, options), options.format);
+                printed_any = true;
             }
         } catch (const DriverError& e) {
             err << where << e.what() << '\n';

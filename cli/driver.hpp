@@ -23,6 +23,14 @@ using GivenArgument = std::pair<std::string, CellMatrix>;
 
 const FunctionInfo& function_named(const std::string& name);
 
+// One argument as written in a call: "name=value" names it when the name is
+// one of the function's; `results` (may be null) resolves earlier results.
+GivenArgument given_argument(const FunctionInfo& function, const std::string& word,
+                             const Results* results);
+
+// The text of a failure the guard caught.
+std::string failure_text(const FunctionInfo& function, const GuardedResult& result);
+
 // Places given arguments in catalogue order; the rest stay omitted.
 std::vector<CellMatrix> bind_arguments(const FunctionInfo& function,
                                        const std::vector<GivenArgument>& given);
