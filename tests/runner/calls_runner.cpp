@@ -128,6 +128,7 @@ std::string written_cell(const CellValue& cell) {
         return class_name + "->*";
     const bool looks_like_handle_pattern = s.size() >= 3 && s.compare(s.size() - 3, 3, "->*") == 0;
     const bool plain = !s.empty() && s.find_first_of(",\"") == std::string::npos &&
+                       s.front() != ' ' && s.back() != ' ' &&
                        s != "(empty)" && s != "TRUE" && s != "FALSE" && !is_number_word(s) &&
                        !is_error_spelling(s) && !looks_like_handle_pattern;
     if (plain)
