@@ -128,9 +128,9 @@ std::string written_cell(const CellValue& cell) {
         return class_name + "->*";
     const bool looks_like_handle_pattern = s.size() >= 3 && s.compare(s.size() - 3, 3, "->*") == 0;
     const bool plain = !s.empty() && s.find_first_of(",\"") == std::string::npos &&
-                       s.front() != ' ' && s.back() != ' ' &&
-                       s != "(empty)" && s != "TRUE" && s != "FALSE" && !is_number_word(s) &&
-                       !is_error_spelling(s) && !looks_like_handle_pattern;
+                       s.front() != ' ' && s.back() != ' ' && s != "(empty)" && s != "TRUE" &&
+                       s != "FALSE" && !is_number_word(s) && !is_error_spelling(s) &&
+                       !looks_like_handle_pattern;
     if (plain)
         return s;
     std::string quoted = "\"";
@@ -183,6 +183,12 @@ Range parse_range(const std::string& text) {
     const auto from = corner(text.substr(0, colon));
     const auto to = colon == std::string::npos ? from : corner(text.substr(colon + 1));
     return {from.first, from.second, to.first, to.second};
+}
+
+double parse_tolerance(const std::string& text) {
+    if (!is_decimal_number(text) || std::strtod(text.c_str(), nullptr) < 0)
+        throw DriverError("tolerance wants a relative tolerance such as 1e-9: " + text);
+    return std::strtod(text.c_str(), nullptr);
 }
 
 bool matches(const Expected& e, const CellValue& a, double tolerance) {
@@ -256,7 +262,7 @@ class CallFile {
             if (text.rfind("file ", 0) == 0 && text.find("<<") != std::string::npos) {
                 write_file(in, text);
             } else if (text.rfind("tolerance ", 0) == 0) {
-                pending_.tolerance = std::stod(text.substr(10));
+                pending_.tolerance = parse_tolerance(trim(text.substr(10), 0));
                 has_tolerance_ = true;
                 in_case_ = true;
             } else if (text.rfind("ignore ", 0) == 0) {
