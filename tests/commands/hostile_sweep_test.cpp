@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -21,6 +19,7 @@
 
 #include <unistd.h>
 
+#include "../support/tables.hpp"
 #include "commands/catalogue.hpp"
 #include "commands/entry.hpp"
 
@@ -38,15 +37,8 @@ std::string fitted_handle(const char* function, const CellMatrix& x, const CellM
 }
 
 CellMatrix small_data() {
-    CellMatrix t(7, 3);
-    t(0, 0) = "x1";
-    t(0, 1) = "x2";
-    t(0, 2) = "y";
-    const double rows[6][3] = {{1, 2, 0}, {2, 3, 1}, {3, 5, 0}, {4, 4, 1}, {5, 7, 1}, {6, 5, 0}};
-    for (std::size_t i = 0; i < 6; ++i)
-        for (std::size_t j = 0; j < 3; ++j)
-            t(i + 1, j) = rows[i][j];
-    return t;
+    return testing::table_with_header(
+        {"x1", "x2", "y"}, {{1, 2, 0}, {2, 3, 1}, {3, 5, 0}, {4, 4, 1}, {5, 7, 1}, {6, 5, 0}});
 }
 
 CellMatrix columns(const CellMatrix& table, std::size_t first, std::size_t count) {
@@ -55,16 +47,6 @@ CellMatrix columns(const CellMatrix& table, std::size_t first, std::size_t count
         for (std::size_t j = 0; j < count; ++j)
             c(i, j) = table(i, first + j);
     return c;
-}
-
-CellMatrix cell(const MJCellValue& v) {
-    CellMatrix t(1, 1);
-    t(0, 0) = v;
-    return t;
-}
-
-CellMatrix text(const std::string& s) {
-    return CellMatrix(s);
 }
 
 CellMatrix error_cell() {
@@ -123,38 +105,26 @@ const Sweep& sweep() {
         const double inf = std::numeric_limits<double>::infinity();
         w.hostiles = {
             {"omitted", same(CellMatrix(1, 1))},
-            {"empty text", same(text(""))},
-            {"text for numbers", same(text("abc"))},
+            {"empty text", same(CellMatrix(""))},
+            {"text for numbers", same(CellMatrix("abc"))},
             {"error cell", same(error_cell())},
-            {"NaN", same(cell(MJCellValue(nan)))},
-            {"infinity", same(cell(MJCellValue(inf)))},
-            {"minus infinity", same(cell(MJCellValue(-inf)))},
+            {"NaN", same(CellMatrix(nan))},
+            {"infinity", same(CellMatrix(inf))},
+            {"minus infinity", same(CellMatrix(-inf))},
             {"table with NaN and infinities",
              [](ArgKind k) { return k == ArgKind::table ? non_finite_table() : CellMatrix(1, 1); }},
-            {"1 by 1 table", same(cell(MJCellValue(1.0)))},
+            {"1 by 1 table", same(CellMatrix(1.0))},
             {"10^4 columns",
              [](ArgKind k) { return k == ArgKind::table ? wide_table() : CellMatrix(1, 1); }},
-            {"linear model handle", same(text(linear))},
-            {"logistic model handle", same(text(logistic))},
-            {"handle never filed", same(text("linearRegModel->987654321"))},
-            {"missing file", same(text((dir / "zentable-no-such-file.csv").string()))},
-            {"directory as file", same(text(dir.string()))},
+            {"linear model handle", same(CellMatrix(linear))},
+            {"logistic model handle", same(CellMatrix(logistic))},
+            {"handle never filed", same(CellMatrix("linearRegModel->987654321"))},
+            {"missing file", same(CellMatrix((dir / "zentable-no-such-file.csv").string()))},
+            {"directory as file", same(CellMatrix(dir.string()))},
         };
         return w;
     }();
     return s;
-}
-
-CellMatrix names_row(std::initializer_list<const char*> names) {
-    CellMatrix row(1, names.size());
-    std::size_t j = 0;
-    for (const char* n : names)
-        row(0, j++) = n;
-    return row;
-}
-
-bool ends_with(const std::string& s, const std::string& tail) {
-    return s.size() >= tail.size() && s.compare(s.size() - tail.size(), tail.size(), tail) == 0;
 }
 
 // A value that lets a call get past its first checks, so that the one hostile
@@ -163,19 +133,19 @@ bool ends_with(const std::string& s, const std::string& tail) {
 CellMatrix plausible(const ArgumentInfo& arg, ArgKind kind) {
     const std::string& n = arg.name;
     if (n == "filename" || n == "infilename")
-        return text(kDataFile);
+        return CellMatrix(kDataFile);
     if (n == "outfilename")
-        return text("out.csv");
+        return CellMatrix("out.csv");
     if (n == "delimiter")
-        return text(",");
+        return CellMatrix(",");
     if (n == "model" || n == "woeModel")
-        return text(sweep().linear_handle);
+        return CellMatrix(sweep().linear_handle);
     if (n == "xNames" || n == "varNames")
-        return names_row({"x1", "x2"});
+        return testing::table_with_header({"x1", "x2"}, {});
     if (n == "yName")
-        return text("y");
-    if (ends_with(n, "Name"))
-        return n == "weightName" ? CellMatrix(1, 1) : text("x1");
+        return CellMatrix("y");
+    if (n.size() > 4 && n.compare(n.size() - 4, 4, "Name") == 0)
+        return n == "weightName" ? CellMatrix(1, 1) : CellMatrix("x1");
     if (n == "x" && kind == ArgKind::table)
         return columns(small_data(), 0, 2);
     if (n == "y" && kind == ArgKind::table)
@@ -186,9 +156,9 @@ CellMatrix plausible(const ArgumentInfo& arg, ArgKind kind) {
         case ArgKind::table:
             return small_data();
         case ArgKind::text:
-            return text("x1");
+            return CellMatrix("x1");
         case ArgKind::number:
-            return cell(MJCellValue(1.0));
+            return CellMatrix(1.0);
     }
     return CellMatrix(1, 1);
 }

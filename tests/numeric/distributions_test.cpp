@@ -66,31 +66,23 @@ TEST(IncompleteGammaDeathTest, FatalStopsEndTheProcess) {
     // Near x = a the terms of a large a fall too slowly for 100 rounds.
     EXPECT_FATAL(gser(1e6, 1e6), "a too large, ITMAX too small in routine gser");
     EXPECT_FATAL(gcf(1e6, 1e6 + 10.0), "a too large, ITMAX too small in gcf");
-    EXPECT_FATAL(gammp(1e6, 1e6), "a too large, ITMAX too small in routine gser");
 }
 
-TEST(OwnLayer, ClosedFormsPublishedValuesAndBoostToItsOwnAccuracy) {
-    // The Boost sweep below covers two degrees of freedom over the same range.
-    EXPECT_NEAR(chi_square_cdf(9.341818, 10.0), 0.5, 1e-6);
+TEST(OwnLayer, ClosedFormsAndBoostToItsOwnAccuracy) {
     // One degree of freedom is the Cauchy distribution.
-    for (double t : {-30.0, -0.4, 0.0, 3.0, 100.0}) {
+    for (double t : {-30.0, -0.4, 0.0, 3.0, 100.0})
         EXPECT_NEAR(t_cdf(t, 1.0), 0.5 + std::atan(t) / kPi, 3e-7) << t;
-    }
     EXPECT_EQ(t_cdf(0.0, 7.0), 0.5);
-    EXPECT_NEAR(t_cdf(2.228139, 10.0), 0.975, 1e-6);
-    EXPECT_NEAR(t_cdf(-1.372184, 10.0), 0.1, 1e-6);
 
     double chi_worst = 0.0;
     double t_worst = 0.0;
     for (double df : {1.0, 2.0, 3.0, 5.0, 10.0, 30.0, 100.0, 200.0}) {
         const boost::math::chi_squared_distribution<double> chi(df);
-        for (double x = 0.01; x < 3.0 * df + 30.0; x *= 1.1) {
+        for (double x = 0.01; x < 3.0 * df + 30.0; x *= 1.1)
             chi_worst = std::max(chi_worst, std::fabs(chi_square_cdf(x, df) - cdf(chi, x)));
-        }
         const boost::math::students_t_distribution<double> t(df);
-        for (double v = -20.0; v < 20.0; v += 0.173) {
+        for (double v = -20.0; v < 20.0; v += 0.173)
             t_worst = std::max(t_worst, std::fabs(t_cdf(v, df) - cdf(t, v)));
-        }
     }
     // The series and fractions stop at 3e-07: the difference shows, within that.
     EXPECT_LT(chi_worst, 3e-7);
@@ -129,9 +121,8 @@ TEST(NormalQuantile, EndsAndRoundTrip) {
     EXPECT_EQ(normal_quantile(0.5), 0.0);
     EXPECT_NEAR(normal_quantile(0.975), 1.959963984540054, 1e-15);
     // 2p - 1 is rounded before the tail sees it: p is good to 1e-16 absolute.
-    for (double p : {1e-12, 0.001, 0.0243, 0.0244, 0.6, 0.999}) {
+    for (double p : {1e-12, 0.001, 0.0243, 0.0244, 0.6, 0.999})
         EXPECT_NEAR(phi(normal_quantile(p)), p, 1.2e-16 + 1e-15 * p) << p;
-    }
 }
 
 TEST(ChiSquareQuantile, IgamiAgainstClosedFormsAndBoost) {
@@ -139,8 +130,6 @@ TEST(ChiSquareQuantile, IgamiAgainstClosedFormsAndBoost) {
     EXPECT_EQ(chi_square_quantile(-1.0, 3.0), 0.0);
     EXPECT_EQ(chi_square_quantile(1.0, 3.0), 10000.0);
     EXPECT_EQ(chi_square_quantile(1.5, 3.0), 10000.0);
-    EXPECT_NEAR(chi_square_quantile(0.95, 1.0), 3.841459, 1e-6);
-    EXPECT_NEAR(chi_square_quantile(0.5, 10.0), 9.341818, 1e-6);
     // Two degrees of freedom: Q(1, x / 2) = exp(-x / 2).
     for (double p : {0.01, 0.5, 0.9999}) {
         const double exact = -2.0 * std::log(1.0 - p);
@@ -159,62 +148,25 @@ TEST(ChiSquareQuantile, IgamiAgainstClosedFormsAndBoost) {
 // ---------------------------------------------------------------------------
 // The Boost.Math layer
 
-// Each wrapper once against an independent value, with unequal arguments so
-// that an exchange of them would show.
-TEST(BoostLayer, EachWrapperItsOwnTestsAndBoostsFailures) {
-    EXPECT_EQ(normal_cdf(0.0), 0.5);
-    EXPECT_NEAR(normal_cdf(1.96), 0.9750021048517795, 1e-15);
-    EXPECT_EQ(normal_inv(0.0), -kBound);
-    EXPECT_EQ(normal_inv(-2.0), -kBound);
-    EXPECT_EQ(normal_inv(1.0), kBound);
-    EXPECT_NEAR(normal_inv(0.975), 1.959963984540054, 1e-15);
-
-    EXPECT_NEAR(student_cdf(-8.0, 1.0), 0.5 + std::atan(-8.0) / kPi, 1e-15);
-    EXPECT_NEAR(student_inv(0.975, 10.0), 2.228139, 1e-6);
-    // F(2, n) has the distribution function 1 - (1 + 2 f / n)^(-n / 2).
-    EXPECT_NEAR(f_cdf_boost(2.5, 2.0, 7.0), 1.0 - std::pow(1.0 + 5.0 / 7.0, -3.5), 1e-14);
-    EXPECT_NEAR(f_inv(0.95, 5.0, 6.0), 4.387374, 1e-6);
+// The prob_ commands state the rest of this layer; the central chi-squared
+// wrappers have no command yet, and the commands test nc before the layer can.
+TEST(BoostLayer, CentralChiSquaredAndTheTestsNoCommandReaches) {
     EXPECT_NEAR(chi_cdf(3.0, 2.0), 1.0 - std::exp(-1.5), 1e-15);
-    EXPECT_NEAR(chi_inv(0.95, 1.0), 3.841459, 1e-6);
-
-    // With nc 0 the non-central distribution is the central one; with one
-    // degree of freedom it is that of (Z + sqrt(nc))^2.
-    EXPECT_NEAR(nc_chi_cdf(3.0, 4.0, 0.0), chi_cdf(3.0, 4.0), 1e-15);
-    EXPECT_NEAR(nc_chi_inv(0.3, 4.0, 0.0), chi_inv(0.3, 4.0), 1e-13);
-    for (double x : {0.2, 4.0, 15.0}) {
-        EXPECT_NEAR(nc_chi_cdf(x, 1.0, 9.0), phi(std::sqrt(x) - 3.0) - phi(-std::sqrt(x) - 3.0),
-                    1e-13)
-            << x;
-    }
-    EXPECT_NEAR(nc_chi_cdf(nc_chi_inv(0.8, 1.0, 0.5), 1.0, 0.5), 0.8, 1e-13);
+    EXPECT_NEAR(chi_inv(0.5, 2.0), 2.0 * std::log(2.0), 1e-15);
 
     const std::string chi = " in chi-squared distribution";
     EXPECT_EQ(THROWN_TEXT(chi_cdf(-0.1, 0.0)), "x must be larger than or equal to 0" + chi);
     EXPECT_EQ(THROWN_TEXT(chi_cdf(1.0, 0.0)), "df must be positive" + chi);
     EXPECT_EQ(THROWN_TEXT(chi_inv(-0.1, -2.0)), "p must be larger than or equal to 0" + chi);
     EXPECT_EQ(THROWN_TEXT(chi_inv(0.5, -2.0)), "df must be positive" + chi);
-
-    const std::string nc = " in non-central chi-squared distribution";
-    EXPECT_EQ(THROWN_TEXT(nc_chi_cdf(-1.0, 0.0, -1.0)), "x must be larger than or equal to 0" + nc);
-    EXPECT_EQ(THROWN_TEXT(nc_chi_cdf(1.0, 0.0, -1.0)), "df must be positive" + nc);
-    EXPECT_EQ(THROWN_TEXT(nc_chi_cdf(1.0, 2.0, -1.0)), "nc must be larger than or equal to 0" + nc);
-    EXPECT_EQ(THROWN_TEXT(nc_chi_inv(-0.5, 0.0, -1.0)), "p must be larger than or equal to 0" + nc);
-    EXPECT_EQ(THROWN_TEXT(nc_chi_inv(0.5, -3.0, -1.0)), "df must be positive" + nc);
-    EXPECT_EQ(THROWN_TEXT(nc_chi_inv(0.5, 3.0, -0.01)),
-              "nc must be larger than or equal to 0" + nc);
-
-    const auto what = [](auto f) -> std::string {
-        try {
-            f();
-        } catch (const std::domain_error& e) {
-            return e.what();
-        }
-        return "";
-    };
-    EXPECT_NE(what([] {
-                  student_cdf(1.0, 0.0);
-              }).find("Degrees of freedom argument is 0, but must be > 0 !"),
-              std::string::npos);
-    EXPECT_NE(what([] { chi_inv(1.5, 3.0); }).find("Probability argument is 1.5"),
-              std::string::npos);
+    const std::string nc =
+        "nc must be larger than or equal to 0 in non-central chi-squared distribution";
+    EXPECT_EQ(THROWN_TEXT(nc_chi_cdf(1.0, 2.0, -1.0)), nc);
+    EXPECT_EQ(THROWN_TEXT(nc_chi_inv(0.5, 3.0, -0.01)), nc);
+    try {
+        chi_inv(1.5, 3.0);
+        ADD_FAILURE() << "nothing thrown";
+    } catch (const std::domain_error& e) {
+        EXPECT_NE(std::string(e.what()).find("Probability argument is 1.5"), std::string::npos);
+    }
 }

@@ -35,14 +35,11 @@ TEST(Betai, ClosedForms) {
 }
 
 TEST(Betai, AgreesWithBoostToSevenDigits) {
-    for (double a : {0.5, 1.5, 4.0, 12.5, 40.0}) {
-        for (double b : {0.5, 2.0, 7.5, 30.0}) {
-            for (double x : {0.001, 0.05, 0.3, 0.5, 0.8, 0.97}) {
+    for (double a : {0.5, 1.5, 4.0, 12.5, 40.0})
+        for (double b : {0.5, 2.0, 7.5, 30.0})
+            for (double x : {0.001, 0.05, 0.3, 0.5, 0.8, 0.97})
                 EXPECT_NEAR(betai(a, b, x), boost::math::ibeta(a, b, x), 3e-7)
                     << a << ", " << b << ", " << x;
-            }
-        }
-    }
 }
 
 TEST(Betai, Failures) {
@@ -59,10 +56,9 @@ TEST(FCdf, AgreesWithBoost) {
     for (double df1 : {1.0, 2.0, 5.0, 12.0}) {
         for (double df2 : {1.0, 3.0, 10.0, 60.0}) {
             const boost::math::fisher_f_distribution<double> dist(df1, df2);
-            for (double f : {0.05, 0.5, 1.0, 2.5, 8.0, 40.0}) {
+            for (double f : {0.05, 0.5, 1.0, 2.5, 8.0, 40.0})
                 EXPECT_NEAR(f_cdf(f, df1, df2), boost::math::cdf(dist, f), 3e-7)
                     << df1 << ", " << df2 << ", " << f;
-            }
         }
     }
     // With 2 and 2 degrees of freedom the distribution function is f / (1 + f).

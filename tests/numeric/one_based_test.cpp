@@ -48,10 +48,9 @@ TEST(OneBased, VectorsIndexFromTheirLowerBound) {
 
 TEST(OneBased, MatricesAreOneContiguousBlock) {
     matrix m(1, 3, 1, 3);
-    for (long i = 1; i <= 3; ++i) {
+    for (long i = 1; i <= 3; ++i)
         for (long j = 1; j <= 3; ++j)
             m[i][j] = static_cast<double>(10 * i + j);
-    }
     EXPECT_EQ(trace_one_based(m.data(), 3), 66.0);
     EXPECT_EQ(&m[2][1], &m[1][3] + 1);
     EXPECT_EQ(&m[3][3] - &m[1][1], 8);

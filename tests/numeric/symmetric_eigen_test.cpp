@@ -63,21 +63,17 @@ TEST(SymmetricEigen, MatrixBuiltFromKnownEigenvalues) {
     const dvec lambda{5, -1, 3, 0.5};
     const double uu = 15.0;
     dmat h(4, dvec(4));
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < 4; ++i)
         for (int j = 0; j < 4; ++j)
             h[i][j] = (i == j ? 1.0 : 0.0) - 2.0 * u[i] * u[j] / uu;
-    }
     dmat a(4, dvec(4, 0.0));
-    for (int i = 0; i < 4; ++i) {
-        for (int j = 0; j < 4; ++j) {
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 4; ++j)
             for (int k = 0; k < 4; ++k)
                 a[i][j] += h[i][k] * lambda[k] * h[j][k];
-        }
-    }
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < 4; ++i)
         for (int j = 0; j < i; ++j)
             a[i][j] = a[j][i];  // exactly symmetric
-    }
 
     const EigenPairs e = symmetricEigen(a);
     EXPECT_NEAR(e.values[0], 5.0, 1e-13);

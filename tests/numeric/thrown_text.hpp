@@ -1,16 +1,6 @@
 #pragma once
 
-#include <string>
+#include "../support/tables.hpp"
 
-// The text of a thrown character pointer, or "" when nothing was thrown.
-template <class F>
-std::string thrown_text_of(F f) {
-    try {
-        f();
-    } catch (const char* text) {
-        return text;
-    }
-    return "";
-}
-
-#define THROWN_TEXT(expr) thrown_text_of([&] { (void)(expr); })
+// The text that an expression threw, as a fixed or a built text.
+#define THROWN_TEXT(expr) zentable::testing::thrown_text([&] { (void)(expr); })
