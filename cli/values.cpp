@@ -250,22 +250,31 @@ CellMatrix read_cells_file(const std::string& path) {
     return table;
 }
 
+bool parse_a1_range(const std::string& text, CellRange& r) {
+    const auto colon = text.find(':');
+    if (!parse_a1(text.substr(0, colon), r.first_row, r.first_column))
+        return false;
+    if (colon == std::string::npos) {
+        r.last_row = r.first_row;
+        r.last_column = r.first_column;
+    } else if (!parse_a1(text.substr(colon + 1), r.last_row, r.last_column)) {
+        return false;
+    }
+    return r.last_row >= r.first_row && r.last_column >= r.first_column;
+}
+
 CellMatrix range_of(const std::string& name, const std::string& range, const CellMatrix& table) {
-    const auto colon = range.find(':');
-    std::size_t r1, c1, r2, c2;
-    const bool ok = parse_a1(range.substr(0, colon), r1, c1) &&
-                    (colon == std::string::npos ? (r2 = r1, c2 = c1, true)
-                                                : parse_a1(range.substr(colon + 1), r2, c2));
-    if (!ok || r2 < r1 || c2 < c1)
+    CellRange r;
+    if (!parse_a1_range(range, r))
         throw DriverError("not a range in A1 notation: " + name + "!" + range);
     const std::size_t rows = table.RowsInStructure(), columns = table.ColumnsInStructure();
-    if (r2 >= rows || c2 >= columns)
+    if (r.last_row >= rows || r.last_column >= columns)
         throw DriverError("range " + name + "!" + range + " is outside " + name + ", which is " +
                           std::to_string(rows) + " by " + std::to_string(columns));
-    CellMatrix cut(r2 - r1 + 1, c2 - c1 + 1);
-    for (std::size_t i = r1; i <= r2; ++i)
-        for (std::size_t j = c1; j <= c2; ++j)
-            cut(i - r1, j - c1) = table(i, j);
+    CellMatrix cut(r.last_row - r.first_row + 1, r.last_column - r.first_column + 1);
+    for (std::size_t i = r.first_row; i <= r.last_row; ++i)
+        for (std::size_t j = r.first_column; j <= r.last_column; ++j)
+            cut(i - r.first_row, j - r.first_column) = table(i, j);
     return cut;
 }
 

@@ -31,6 +31,13 @@ CellMatrix read_cells_file(const std::string& path);
 // names of earlier results and their A1 ranges.
 CellMatrix parse_value(const std::string& word, const Results* results);
 
+// A1 or A2:C9 in the sheet's notation, zero-based; false when the text is
+// not one, or its corners are out of order.
+struct CellRange {
+    std::size_t first_row = 0, first_column = 0, last_row = 0, last_column = 0;
+};
+bool parse_a1_range(const std::string& text, CellRange& range);
+
 // name!A1 or name!A2:C9, cut from a kept table.
 CellMatrix range_of(const std::string& name, const std::string& range, const CellMatrix& table);
 

@@ -232,25 +232,7 @@ TEST(ReadXywFromFile, KeepsCompleteRecordsAndNamesItsFailures) {
     EXPECT_EQ(w.y, (dvec{20, 30, 40, 60}));
     EXPECT_EQ(w.weight, (dvec{1, 2, 1, 0.5}));
 
-    auto failure = [&](const CellMatrix& x, const CellMatrix& y, const CellMatrix& wt) {
-        return thrown_text([&] { read_xyw_from_file(path, x, y, wt, ','); });
-    };
     const CellMatrix none(1, 1);
-    EXPECT_EQ(failure(none, text_cell("y"), none),
-              "Error: independent variable names (x_names) are missing");
-    EXPECT_EQ(failure(row_of({"x1"}), none, none),
-              "Error: dependent variable name (y_name) is missing");
-    EXPECT_EQ(failure(row_of({"x1"}), row_of({"y", "w"}), none),
-              "Error: only one dependent variable name (y_name) is allowed");
-    EXPECT_EQ(failure(row_of({"x1"}), CellMatrix(3.0), none),
-              "Error: dependent variable name (y_name) is not a string");
-    EXPECT_EQ(failure(row_of({"x1"}), text_cell("y"), row_of({"w", "w"})),
-              "Error: only one weight variable name (w_name) is allowed");
-    EXPECT_EQ(failure(row_of({"x1"}), text_cell("y"), CellMatrix(1.0)),
-              "Error: weight variable name (w_name) is not a string");
-    EXPECT_EQ(failure(row_of({"X1"}), text_cell("y"), none),
-              "Error: cannot find the variable (X1) in data file");
-
     // A short line stops the reading with its number, a final empty line too.
     const std::string short_path = temp_file("short.csv", "a,b,c\n1,2,3\n4,5\n");
     EXPECT_EQ(thrown_text([&] {

@@ -16,6 +16,7 @@
 #include "driver_error.hpp"
 #include "print.hpp"
 #include "script.hpp"
+#include "values.hpp"
 #include "xlw/cell_conversions.hpp"
 
 namespace fs = std::filesystem;
@@ -126,11 +127,10 @@ std::string written_cell(const CellValue& cell) {
     std::string class_name;
     if (is_handle(s, class_name))
         return class_name + "->*";
-    const bool looks_like_handle_pattern = s.size() >= 3 && s.compare(s.size() - 3, 3, "->*") == 0;
-    const bool plain = !s.empty() && s.find_first_of(",\"") == std::string::npos &&
-                       s.front() != ' ' && s.back() != ' ' && s != "(empty)" && s != "TRUE" &&
-                       s != "FALSE" && !is_number_word(s) && !is_error_spelling(s) &&
-                       !looks_like_handle_pattern;
+    // Bare when it reads back as this very text.
+    const Expected bare = expected_cell({s, false});
+    const bool plain = bare.kind == Expected::text && s.find_first_of(",\"") == std::string::npos &&
+                       s.front() != ' ' && s.back() != ' ';
     if (plain)
         return s;
     std::string quoted = "\"";
@@ -159,30 +159,16 @@ std::string a1(std::size_t row, std::size_t column) {
     return letters + std::to_string(row + 1);
 }
 
-struct Range {
-    std::size_t r1, c1, r2, c2;
-    bool holds(std::size_t r, std::size_t c) const {
-        return r >= r1 && r <= r2 && c >= c1 && c <= c2;
-    }
-};
+bool holds(const CellRange& r, std::size_t row, std::size_t column) {
+    return row >= r.first_row && row <= r.last_row && column >= r.first_column &&
+           column <= r.last_column;
+}
 
-Range parse_range(const std::string& text) {
-    auto corner = [&](const std::string& ref) {
-        std::size_t i = 0, column = 0, row = 0;
-        for (; i < ref.size() && std::isalpha(static_cast<unsigned char>(ref[i])); ++i)
-            column = column * 26 + static_cast<std::size_t>(std::toupper(ref[i]) - 'A' + 1);
-        if (i == 0 || i == ref.size() ||
-            ref.find_first_not_of("0123456789", i) != std::string::npos)
-            throw DriverError("not a cell in A1 notation: " + ref);
-        row = std::stoul(ref.substr(i));
-        if (row == 0)
-            throw DriverError("not a cell in A1 notation: " + ref);
-        return std::make_pair(row - 1, column - 1);
-    };
-    const auto colon = text.find(':');
-    const auto from = corner(text.substr(0, colon));
-    const auto to = colon == std::string::npos ? from : corner(text.substr(colon + 1));
-    return {from.first, from.second, to.first, to.second};
+CellRange parse_ignored(const std::string& text) {
+    CellRange r;
+    if (!parse_a1_range(text, r))
+        throw DriverError("ignore wants a cell or a range in A1 notation: " + text);
+    return r;
 }
 
 double parse_tolerance(const std::string& text) {
@@ -236,7 +222,7 @@ struct Case {
     std::string first_statement;
     StatementOutcome outcome;
     double tolerance = kDefaultTolerance;
-    std::vector<Range> ignored;
+    std::vector<CellRange> ignored;
     std::vector<std::string> expected;  // the rows, or one "error: ..." line
 };
 
@@ -266,7 +252,7 @@ class CallFile {
                 has_tolerance_ = true;
                 in_case_ = true;
             } else if (text.rfind("ignore ", 0) == 0) {
-                pending_.ignored.push_back(parse_range(trim(text.substr(7), 0)));
+                pending_.ignored.push_back(parse_ignored(trim(text.substr(7), 0)));
                 in_case_ = true;
             } else if (text == "----") {
                 read_expected(in);
@@ -353,7 +339,7 @@ class CallFile {
             rows.push_back(line);
         pending_.expected = rows;
         if (pending_.first_line == 0)
-            throw DriverError(path_ + ":" + std::to_string(dashes) + ": ---- with no statement");
+            throw DriverError("line " + std::to_string(dashes) + ": ---- with no statement");
         check(pending_);
         if (rewrite_)
             for (const std::string& r : actual_rows(pending_))
@@ -422,7 +408,7 @@ class CallFile {
         for (std::size_t i = 0; i < rows; ++i) {
             for (std::size_t j = 0; j < columns; ++j) {
                 const bool skip = std::any_of(c.ignored.begin(), c.ignored.end(),
-                                              [&](const Range& r) { return r.holds(i, j); });
+                                              [&](const CellRange& r) { return holds(r, i, j); });
                 if (skip || matches(want[i][j], t(i, j), c.tolerance))
                     continue;
                 why << "cell " << a1(i, j) << " differs: expected "
