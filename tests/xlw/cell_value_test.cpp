@@ -3,7 +3,7 @@
 #include <iostream>
 #include <sstream>
 
-#include "table_builder.hpp"
+#include "../support/tables.hpp"
 #include "xlw/cell_value.hpp"
 
 namespace zentable {

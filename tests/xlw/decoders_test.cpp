@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "table_builder.hpp"
+#include "../support/tables.hpp"
 #include "xlw/decoders.hpp"
 
 namespace zentable {
