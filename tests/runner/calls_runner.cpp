@@ -321,6 +321,8 @@ class CallFile {
         const std::string name = trim(text.substr(5, text.find("<<") - 5), 0);
         const std::string tag = trim(text.substr(text.find("<<") + 2), 0);
         std::ofstream out(name, std::ios::binary);
+        if (name.empty() || tag.empty() || !out)
+            throw DriverError("cannot write the file of this line: " + text);
         std::string line;
         while (next(in, line)) {
             copy(line);
