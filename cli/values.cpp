@@ -1,9 +1,12 @@
 #include "values.hpp"
 
+#include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "driver_error.hpp"
@@ -13,7 +16,7 @@ namespace zentable::cli {
 
 namespace {
 
-bool iequals(const std::string& a, const char* b) {
+bool iequals(std::string_view a, const char* b) {
     std::size_t i = 0;
     for (; i < a.size() && b[i]; ++i)
         if (std::toupper(static_cast<unsigned char>(a[i])) != b[i])
@@ -33,20 +36,6 @@ std::string unquote(const std::string& quoted) {
 
 bool is_quoted(const std::string& word) {
     return word.size() >= 2 && word.front() == '"' && word.back() == '"';
-}
-
-// A cell from a field of a data file: blanks around it do not count.
-MJCellValue file_cell(const std::string& field) {
-    const std::string text = trim(field, 0);
-    if (text.empty())
-        return MJCellValue();
-    if (is_decimal_number(text))
-        return MJCellValue(std::strtod(text.c_str(), nullptr));
-    if (iequals(text, "TRUE"))
-        return MJCellValue(true);
-    if (iequals(text, "FALSE"))
-        return MJCellValue(false);
-    return MJCellValue(field);
 }
 
 char delimiter_for(const std::string& path, const std::string& first_line) {
@@ -83,6 +72,135 @@ bool parse_a1(const std::string& ref, std::size_t& row, std::size_t& column) {
     return true;
 }
 
+// The bytes of a file in one block backed by large pages: for a file of
+// millions of lines the first touch of small pages costs more than reading.
+class FileText {
+  public:
+    explicit FileText(const std::string& path) {
+        std::ifstream in(path, std::ios::binary);
+        if (!in)
+            throw DriverError("cannot open file " + path);
+        in.seekg(0, std::ios::end);
+        const std::streamoff size = in.tellg();
+        in.seekg(0, std::ios::beg);
+        const std::size_t bytes = size > 0 ? static_cast<std::size_t>(size) : 0;
+        block_ = std::make_unique<CellArena>(bytes + 1);
+        char* data = static_cast<char*>(block_->take(bytes + 1));
+        in.read(data, static_cast<std::streamsize>(bytes));
+        text_ = std::string_view(data, static_cast<std::size_t>(in.gcount()));
+    }
+    std::string_view text() const { return text_; }
+
+  private:
+    std::unique_ptr<CellArena> block_;
+    std::string_view text_;
+};
+
+// Calls on_field(text) for each field of the file's text in order, and
+// on_row() after each line that has one; a line with no field is no row.
+// Quotes enclose text in which the delimiter and line ends are plain
+// characters, "" inside them is one quote, and a carriage return outside them
+// is dropped. Most fields have none of these and are handed out as spans of
+// the text, with no copy.
+template <class OnField, class OnRow>
+void walk_fields(std::string_view s, char delimiter, const std::string& path, OnField&& on_field,
+                 OnRow&& on_row) {
+    std::size_t start = 0;
+    bool copying = false, in_quotes = false, any_field = false;
+    std::string copy;
+    auto end_field = [&](std::size_t end) {
+        on_field(copying ? std::string_view(copy) : std::string_view(s).substr(start, end - start));
+        copying = false;
+        any_field = true;
+    };
+    auto end_row = [&](std::size_t end) {
+        if (any_field || (copying ? !copy.empty() : end > start))
+            end_field(end);
+        if (any_field)
+            on_row();
+        any_field = false;
+    };
+    for (std::size_t i = 0; i < s.size(); ++i) {
+        const char c = s[i];
+        if (!in_quotes && c == delimiter) {
+            end_field(i);
+            start = i + 1;
+        } else if (!in_quotes && c == '\n') {
+            end_row(i);
+            start = i + 1;
+        } else if (c == '"' || (c == '\r' && !in_quotes) || copying) {
+            if (!copying) {
+                copy.assign(s, start, i - start);
+                copying = true;
+            }
+            if (in_quotes && c == '"' && i + 1 < s.size() && s[i + 1] == '"') {
+                copy += '"';
+                ++i;
+            } else if (c == '"') {
+                in_quotes = !in_quotes;
+            } else if (c != '\r' || in_quotes) {
+                copy += c;
+            }
+        }
+    }
+    if (in_quotes)
+        throw DriverError("unterminated quoted field in " + path);
+    end_row(s.size());
+}
+
+std::string_view trimmed(std::string_view text) {
+    const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\n'; };
+    while (!text.empty() && blank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && blank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+// The text cells of a file: a text that repeats shares one text among its
+// cells. Past a few thousand distinct texts a column is one of names or keys,
+// whose texts do not repeat, and no more are kept.
+class TextCells {
+  public:
+    void set(CellValue& cell, std::string_view field) {
+        std::string text(field);
+        const auto found = kept_.find(text);
+        if (found != kept_.end()) {
+            cell = found->second;
+            return;
+        }
+        cell = text;
+        if (kept_.size() < kMostKept)
+            kept_.emplace(std::move(text), MJCellValue()).first->second = cell;
+    }
+
+  private:
+    static constexpr std::size_t kMostKept = 4096;
+    std::unordered_map<std::string, MJCellValue> kept_;
+};
+
+// A cell from a field of a data file: blanks around it do not count.
+void set_file_cell(CellValue& cell, std::string_view field, TextCells& texts) {
+    const std::string_view text = trimmed(field);
+    if (text.empty())
+        return;
+    if (is_decimal_number(text)) {
+        // from_chars rounds correctly, as strtod does, but takes no plus sign
+        // and leaves an overflow unset, where strtod gives an infinity.
+        double value = 0.0;
+        const std::string_view digits = text.front() == '+' ? text.substr(1) : text;
+        if (std::from_chars(digits.data(), digits.data() + digits.size(), value).ec != std::errc())
+            value = std::strtod(std::string(text).c_str(), nullptr);
+        cell = value;
+    } else if (iequals(text, "TRUE")) {
+        cell = true;
+    } else if (iequals(text, "FALSE")) {
+        cell = false;
+    } else {
+        texts.set(cell, field);
+    }
+}
+
 }  // namespace
 
 bool is_identifier(const std::string& word) {
@@ -94,7 +212,7 @@ bool is_identifier(const std::string& word) {
     return true;
 }
 
-bool is_decimal_number(const std::string& word) {
+bool is_decimal_number(std::string_view word) {
     std::size_t i = 0;
     const std::size_t n = word.size();
     if (i < n && (word[i] == '+' || word[i] == '-'))
@@ -189,64 +307,31 @@ CellMatrix parse_array_constant(const std::string& text) {
     return table;
 }
 
+// Two walks over the text: the first sizes the table, the second fills it.
+// A table of millions of cells built through rows of temporary cells spends
+// most of its time allocating them.
 CellMatrix read_cells_file(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
-        throw DriverError("cannot open file " + path);
-    std::stringstream buffer;
-    buffer << in.rdbuf();
-    const std::string content = buffer.str();
-    const char delimiter = delimiter_for(path, content.substr(0, content.find('\n')));
-
-    std::vector<std::vector<MJCellValue>> rows;
-    std::vector<MJCellValue> row;
-    std::string field;
-    bool in_quotes = false, any_field = false;
-    auto end_field = [&] {
-        row.push_back(file_cell(field));
-        field.clear();
-        any_field = true;
-    };
-    auto end_row = [&] {
-        if (any_field || !field.empty())
-            end_field();
-        if (!row.empty())
-            rows.push_back(std::move(row));
-        row.clear();
-        any_field = false;
-    };
-    for (std::size_t i = 0; i < content.size(); ++i) {
-        const char c = content[i];
-        if (in_quotes) {
-            if (c == '"' && i + 1 < content.size() && content[i + 1] == '"') {
-                field += '"';
-                ++i;
-            } else if (c == '"') {
-                in_quotes = false;
-            } else {
-                field += c;
-            }
-        } else if (c == '"') {
-            in_quotes = true;
-        } else if (c == delimiter) {
-            end_field();
-        } else if (c == '\n') {
-            end_row();
-        } else if (c != '\r') {
-            field += c;
-        }
-    }
-    if (in_quotes)
-        throw DriverError("unterminated quoted field in " + path);
-    end_row();
-
-    std::size_t columns = 0;
-    for (const auto& r : rows)
-        columns = std::max(columns, r.size());
-    CellMatrix table(rows.size(), columns);
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        for (std::size_t j = 0; j < rows[i].size(); ++j)
-            table(i, j) = rows[i][j];
+    const FileText file(path);
+    const std::string_view content = file.text();
+    const char delimiter = delimiter_for(path, std::string(content.substr(0, content.find('\n'))));
+    std::size_t rows = 0, columns = 0, column = 0;
+    walk_fields(
+        content, delimiter, path, [&](std::string_view) { ++column; },
+        [&] {
+            ++rows;
+            columns = std::max(columns, column);
+            column = 0;
+        });
+    CellMatrix table(rows, columns);
+    std::size_t row = 0;
+    TextCells texts;
+    walk_fields(
+        content, delimiter, path,
+        [&](std::string_view field) { set_file_cell(table(row, column++), field, texts); },
+        [&] {
+            ++row;
+            column = 0;
+        });
     return table;
 }
 

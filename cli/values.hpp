@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "xlw/cell_matrix.hpp"
 
@@ -16,7 +17,7 @@ using Results = std::map<std::string, CellMatrix>;
 MJCellValue scalar_cell(const std::string& word);
 
 // True when the word reads in full as a decimal number.
-bool is_decimal_number(const std::string& word);
+bool is_decimal_number(std::string_view word);
 
 // Letters, digits and underscores, not starting with a digit.
 bool is_identifier(const std::string& word);

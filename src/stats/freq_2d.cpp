@@ -7,6 +7,7 @@
 #include "data/delimited_file.hpp"
 #include "stats/freq.hpp"
 #include "xlw/cell_conversions.hpp"
+#include "xlw/headed_column.hpp"
 #include "xlw/report.hpp"
 
 namespace zentable {
@@ -17,20 +18,10 @@ constexpr const char* kStatisticLabels[4] = {"Freq", "Percent", "RowPct", "ColPc
 
 // One column under a header, as its trimmed texts.
 svec read_one_column(const CellMatrix& table, const std::string& which, std::string& name) {
-    if (is_omitted(table)) {
-        throw "there is no input data for " + which;
-    }
-    if (table.ColumnsInStructure() != 1) {
-        throw "Input data for " + which + " must be in one column";
-    }
-    if (!table(0, 0).IsString()) {
-        throw "Header for variable name " + which + " must be a string";
-    }
-    name = trim(table(0, 0).StringValue(), 0);
+    name = read_column_header(table, {"there is no input data for " + which,
+                                      "Input data for " + which + " must be in one column",
+                                      "Header for variable name " + which + " must be a string"});
     const std::size_t rows = table.RowsInStructure();
-    if (rows < 2) {
-        throw "there is no input data for " + which;
-    }
     svec values;
     values.reserve(rows - 1);
     for (std::size_t i = 1; i < rows; ++i) {

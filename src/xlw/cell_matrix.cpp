@@ -1,6 +1,7 @@
 #include "xlw/cell_matrix.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
@@ -23,16 +24,28 @@ std::size_t aligned_size(std::size_t bytes) {
 
 }  // namespace
 
+void prefer_huge_pages(void* data, std::size_t bytes) {
+#if defined(MADV_HUGEPAGE)
+    const auto start = reinterpret_cast<std::uintptr_t>(data);
+    const std::uintptr_t first = (start + kHugePage - 1) / kHugePage * kHugePage;
+    const std::uintptr_t last = (start + bytes) / kHugePage * kHugePage;
+    if (last > first) {
+        // Only a hint: without huge pages the buffer works the same, more slowly.
+        madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+    }
+#else
+    (void)data;
+    (void)bytes;
+#endif
+}
+
 CellArena::CellArena(std::size_t bytes)
     : capacity_((bytes + kHugePage - 1) / kHugePage * kHugePage) {
     block_ = static_cast<unsigned char*>(std::aligned_alloc(kHugePage, capacity_));
     if (block_ == nullptr) {
         throw std::bad_alloc();
     }
-#if defined(MADV_HUGEPAGE)
-    // Only a hint: without huge pages the block works the same, more slowly.
-    madvise(block_, capacity_, MADV_HUGEPAGE);
-#endif
+    prefer_huge_pages(block_, capacity_);
 }
 
 CellArena::~CellArena() {
@@ -49,9 +62,8 @@ void* CellArena::take(std::size_t bytes) {
     return p;
 }
 
-std::unique_ptr<CellArena> MJCellMatrix::arena_for(std::size_t rows, std::size_t columns) {
-    const std::size_t bytes =
-        aligned_size(rows * sizeof(Row)) + rows * aligned_size(columns * sizeof(MJCellValue));
+std::unique_ptr<CellArena> MJCellMatrix::arena_for(std::size_t cells) {
+    const std::size_t bytes = aligned_size(cells * sizeof(MJCellValue));
     if (bytes < kArenaThreshold) {
         return nullptr;
     }
@@ -59,38 +71,46 @@ std::unique_ptr<CellArena> MJCellMatrix::arena_for(std::size_t rows, std::size_t
 }
 
 MJCellMatrix::MJCellMatrix(std::size_t rows, std::size_t columns)
-    : arena_(arena_for(rows, columns)),
-      cells_(ArenaAllocator<Row>(arena_.get())),
+    : arena_(arena_for(rows * columns)),
+      cells_(rows * columns, ArenaAllocator<MJCellValue>(arena_.get())),
       rows_(rows),
-      columns_(columns) {
-    cells_.reserve(rows);
-    // Each row made empty in place: copying a prototype row costs a cell copy
-    // per cell, which shows on tables of millions of cells.
-    for (std::size_t i = 0; i < rows; ++i) {
-        cells_.emplace_back(columns, ArenaAllocator<MJCellValue>(arena_.get()));
-    }
-}
+      columns_(columns) {}
+
+MJCellMatrix::MJCellMatrix(const MJCellMatrix& other)
+    : arena_(arena_for(other.cells_.size())),
+      cells_(other.cells_, ArenaAllocator<MJCellValue>(arena_.get())),
+      rows_(other.rows_),
+      columns_(other.columns_) {}
 
 void MJCellMatrix::PushBottom(const CellMatrix_pimpl_abstract& below) {
+    if (&below == this) {
+        const MJCellMatrix copy(*this);
+        PushBottom(copy);
+        return;
+    }
     const std::size_t below_rows = below.RowsInStructure();
     const std::size_t below_columns = below.ColumnsInStructure();
     const std::size_t columns = std::max(columns_, below_columns);
-    // Read the other table's size before growing: it may be this very table.
-    const std::size_t old_rows = rows_;
-    if (columns > columns_) {
-        for (auto& row : cells_) {
-            row.resize(columns);
+    Cells joined(cells_.get_allocator());
+    joined.reserve((rows_ + below_rows) * columns);
+    for (std::size_t i = 0; i < rows_; ++i) {
+        for (std::size_t j = 0; j < columns; ++j) {
+            joined.emplace_back();
+            if (j < columns_) {
+                joined.back() = std::move(cells_[i * columns_ + j]);
+            }
         }
     }
-    cells_.reserve(old_rows + below_rows);
     for (std::size_t i = 0; i < below_rows; ++i) {
-        Row row(columns);
-        for (std::size_t j = 0; j < below_columns; ++j) {
-            row[j] = below(i, j);
+        for (std::size_t j = 0; j < columns; ++j) {
+            joined.emplace_back();
+            if (j < below_columns) {
+                joined.back() = below(i, j);
+            }
         }
-        cells_.push_back(std::move(row));
     }
-    rows_ = old_rows + below_rows;
+    cells_.swap(joined);
+    rows_ += below_rows;
     columns_ = columns;
 }
 
@@ -110,9 +130,22 @@ CellMatrix::CellMatrix(double value) : CellMatrix(1, 1) {
 }
 
 void CellMatrix::PushBottom(const CellMatrix& below) {
-    // Other copies of this table keep the cells they had.
-    std::shared_ptr<CellMatrix_pimpl_abstract> joined = impl_->clone();
-    joined->PushBottom(*below.impl_);
+    // A new table of the joined size, so that other copies of this table keep
+    // the cells they had and no cell is copied twice.
+    const std::size_t rows = RowsInStructure(), below_rows = below.RowsInStructure();
+    const std::size_t columns = ColumnsInStructure(), below_columns = below.ColumnsInStructure();
+    auto joined =
+        std::make_shared<MJCellMatrix>(rows + below_rows, std::max(columns, below_columns));
+    for (std::size_t i = 0; i < rows; ++i) {
+        for (std::size_t j = 0; j < columns; ++j) {
+            (*joined)(i, j) = (*this)(i, j);
+        }
+    }
+    for (std::size_t i = 0; i < below_rows; ++i) {
+        for (std::size_t j = 0; j < below_columns; ++j) {
+            (*joined)(rows + i, j) = below(i, j);
+        }
+    }
     impl_ = std::move(joined);
 }
 

@@ -20,6 +20,11 @@ class CellMatrix_pimpl_abstract {
     virtual std::unique_ptr<CellMatrix_pimpl_abstract> clone() const = 0;
 };
 
+// Asks for huge pages under the whole 2 MiB stretches of a large buffer not
+// yet touched: a buffer of millions of values otherwise takes thousands of
+// page faults, which can cost more than the work done on it.
+void prefer_huge_pages(void* data, std::size_t bytes);
+
 // One block of memory that the rows of a big table are carved from, released
 // whole with the table. A table of millions of cells made row by row from the
 // general heap spends most of its time in page faults; one block can be backed
@@ -85,19 +90,18 @@ class ArenaAllocator {
 
 class MJCellMatrix final : public CellMatrix_pimpl_abstract {
   public:
-    using Row = std::vector<MJCellValue, ArenaAllocator<MJCellValue>>;
+    using Cells = std::vector<MJCellValue, ArenaAllocator<MJCellValue>>;
 
     MJCellMatrix(std::size_t rows, std::size_t columns);
-    // A copy keeps its cells on the heap; the arena stays with the original.
-    MJCellMatrix(const MJCellMatrix& other)
-        : cells_(other.cells_), rows_(other.rows_), columns_(other.columns_) {}
+    // A big copy takes a block of its own; the arena stays with the original.
+    MJCellMatrix(const MJCellMatrix& other);
     MJCellMatrix& operator=(const MJCellMatrix&) = delete;
 
     const CellValue& operator()(std::size_t row, std::size_t column) const override {
-        return cells_[row][column];
+        return cells_[row * columns_ + column];
     }
     CellValue& operator()(std::size_t row, std::size_t column) override {
-        return cells_[row][column];
+        return cells_[row * columns_ + column];
     }
     std::size_t RowsInStructure() const override { return rows_; }
     std::size_t ColumnsInStructure() const override { return columns_; }
@@ -106,11 +110,13 @@ class MJCellMatrix final : public CellMatrix_pimpl_abstract {
 
   private:
     // Null for a table small enough for the general heap.
-    static std::unique_ptr<CellArena> arena_for(std::size_t rows, std::size_t columns);
+    static std::unique_ptr<CellArena> arena_for(std::size_t cells);
 
     // Declared first so that it outlives the cells it holds.
     std::unique_ptr<CellArena> arena_;
-    std::vector<Row, ArenaAllocator<Row>> cells_;
+    // Row after row in one run: a row of its own per record costs a column
+    // table of a million records a million more allocations.
+    Cells cells_;
     std::size_t rows_;
     std::size_t columns_;
 };

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <iostream>
 #include <limits>
+#include <typeinfo>
 #include <utility>
 
 #include "xlw/xlf_exception.hpp"
@@ -52,6 +53,11 @@ CellValue& CellValue::operator=(const CellValue& other) {
     if (this == &other) {
         return *this;
     }
+    // Between cells of the one implementation the text is shared, not copied.
+    if (typeid(*this) == typeid(MJCellValue) && typeid(other) == typeid(MJCellValue)) {
+        static_cast<MJCellValue&>(*this) = static_cast<const MJCellValue&>(other);
+        return *this;
+    }
     switch (other.kind()) {
         case narrow_string:
             return *this = other.StringValue();
@@ -71,10 +77,7 @@ CellValue& CellValue::operator=(const CellValue& other) {
 }
 
 MJCellValue::MJCellValue(const MJCellValue& other)
-    : CellValue(),
-      number_(other.number_),
-      text_(other.text_ ? std::make_unique<Text>(*other.text_) : nullptr),
-      kind_(other.kind_) {}
+    : CellValue(), number_(other.number_), text_(other.text_), kind_(other.kind_) {}
 
 MJCellValue& MJCellValue::operator=(const MJCellValue& other) {
     if (this != &other) {
@@ -174,7 +177,7 @@ CellValue& MJCellValue::operator=(const std::u16string& s) {
     auto text = std::make_unique<Text>();
     text->wide = s;
     text->has_wide = true;
-    text_ = std::move(text);
+    text_ = SharedText(text.release());
     number_ = 0.0;
     kind_ = wide_string;
     return *this;
@@ -184,7 +187,7 @@ CellValue& MJCellValue::operator=(const std::string& s) {
     auto text = std::make_unique<Text>();
     text->narrow = s;
     text->has_narrow = true;
-    text_ = std::move(text);
+    text_ = SharedText(text.release());
     number_ = 0.0;
     kind_ = narrow_string;
     return *this;

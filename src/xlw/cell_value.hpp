@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <utility>
@@ -130,7 +131,11 @@ class MJCellValue final : public CellValue {
 
   private:
     // The texts live apart from the cell, so that the number cells that make
-    // up most big tables stay small and never allocate.
+    // up most big tables stay small and never allocate. A text never changes
+    // once made, but for its cached copies, so the copies of a cell share it:
+    // a column of a million cells that repeat a few words holds a few texts.
+    // A first read fills a cache, so the copies of a cell, like the cells of
+    // one table, are read by one thread at a time.
     struct Text {
         // Narrow text; for a wide cell, its narrowed copy, made on first read.
         std::string narrow;
@@ -138,11 +143,39 @@ class MJCellValue final : public CellValue {
         std::u16string wide;
         bool has_narrow = false;
         bool has_wide = false;
+        std::atomic<int> owners{1};
+    };
+
+    class SharedText {
+      public:
+        SharedText() = default;
+        explicit SharedText(Text* text) : text_(text) {}
+        SharedText(const SharedText& other) : text_(other.text_) {
+            if (text_ != nullptr)
+                text_->owners.fetch_add(1, std::memory_order_relaxed);
+        }
+        SharedText(SharedText&& other) noexcept : text_(other.text_) { other.text_ = nullptr; }
+        SharedText& operator=(SharedText other) noexcept {
+            std::swap(text_, other.text_);
+            return *this;
+        }
+        ~SharedText() { reset(); }
+
+        void reset() {
+            if (text_ != nullptr && text_->owners.fetch_sub(1, std::memory_order_acq_rel) == 1)
+                delete text_;
+            text_ = nullptr;
+        }
+        explicit operator bool() const { return text_ != nullptr; }
+        Text& operator*() const { return *text_; }
+
+      private:
+        Text* text_ = nullptr;
     };
 
     double number_ = 0.0;  // number, boolean (0 or 1) or error code
     // Set for string cells only. The cached copies are written on a const read.
-    std::unique_ptr<Text> text_;
+    SharedText text_;
     Kind kind_ = empty;
 };
 

@@ -1,6 +1,12 @@
 #include "xlw/decoders.hpp"
 
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <deque>
 #include <limits>
+#include <string_view>
+#include <unordered_map>
 
 #include "xlw/cell_conversions.hpp"
 #include "xlw/xlf_exception.hpp"
@@ -64,6 +70,15 @@ bool column_all_strings(const CellMatrix& table, std::size_t column) {
 
 std::string name_of(const CellValue& cell) {
     return trim(cell.StringValue(), 0);
+}
+
+// trim with mode 0, as a view of the text.
+std::string_view trimmed(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(" \t\n");
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(" \t\n") - first + 1);
 }
 
 bool has_no_cells(const CellMatrix& table) {
@@ -303,7 +318,7 @@ NamedTable read_table_with_headers(const CellMatrix& table) {
     throw kHeadersNotStrings;
 }
 
-NamedVector read_vector_with_header(const CellMatrix& table) {
+NamedLine::NamedLine(const CellMatrix& table) : table_(table) {
     const std::size_t rows = table.RowsInStructure();
     const std::size_t columns = table.ColumnsInStructure();
     if (rows > 1 && columns > 1) {
@@ -312,29 +327,94 @@ NamedVector read_vector_with_header(const CellMatrix& table) {
     if (rows == 0 || columns == 0) {
         throw kEmptyTable;
     }
-    const bool along_row = rows == 1 && columns > 1;
-    const std::size_t count = along_row ? columns : rows;
-    auto cell = [&](std::size_t i) -> const CellValue& {
-        return along_row ? table(0, i) : table(i, 0);
-    };
-
-    NamedVector out;
-    if (!cell(0).IsString()) {
+    along_row_ = rows == 1 && columns > 1;
+    const CellValue& head = table(0, 0);
+    if (!head.IsString()) {
         throw kHeaderNotString;
     }
-    out.name = name_of(cell(0));
-    if (count < 2) {
+    name_ = name_of(head);
+    size_ = (along_row_ ? columns : rows) - 1;
+    if (size_ == 0) {
         throw kEmptyTable;
     }
-    out.values.reserve(count - 1);
-    out.valid.assign(count - 1, true);
-    for (std::size_t i = 1; i < count; ++i) {
-        const CellValue& c = cell(i);
+}
+
+NamedVector read_vector_with_header(const CellMatrix& table) {
+    const NamedLine line(table);
+    NamedVector out;
+    out.name = line.name();
+    out.values.reserve(line.size());
+    out.valid.assign(line.size(), true);
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const CellValue& c = line[i];
         if (c.IsANumber()) {
             out.values.push_back(c.NumericValue());
         } else {
             out.values.push_back(cell_to_double(c));
-            out.valid[i - 1] = false;
+            out.valid[i] = false;
+        }
+    }
+    return out;
+}
+
+NamedCodes read_coded_vector_with_header(const CellMatrix& table) {
+    const NamedLine line(table);
+    NamedCodes out;
+    out.name = line.name();
+    out.codes.reserve(line.size());
+    // Views into the cells' own texts, or into `made` for the texts of other
+    // cells, each made once: the text of a number costs a stream. A deque
+    // never moves what it holds.
+    std::unordered_map<std::string_view, int> code_of_text;
+    std::unordered_map<std::uint64_t, int> code_of_number;  // by the bits, so -0 is not 0
+    std::deque<std::string> made;
+    auto code_of = [&](std::string_view text) {
+        const auto found = code_of_text.find(text);
+        if (found != code_of_text.end()) {
+            return found->second;
+        }
+        const int code = static_cast<int>(out.texts.size());
+        out.texts.emplace_back(text);
+        code_of_text.emplace(text, code);
+        return code;
+    };
+    auto code_of_made = [&](const CellValue& c) {
+        const std::string text = trim(cell_to_text(c), 0);
+        const auto found = code_of_text.find(text);
+        if (found != code_of_text.end()) {
+            return found->second;
+        }
+        made.push_back(text);
+        return code_of(made.back());
+    };
+    // Cells that share one text hand out one string: a few recent strings
+    // remembered by address spare the hashing of their texts.
+    struct Recent {
+        const std::string* text = nullptr;
+        int code = 0;
+    };
+    std::array<Recent, 64> recent{};
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const CellValue& c = line[i];
+        if (c.IsAString()) {
+            const std::string& text = c.StringValue();
+            Recent& slot = recent[(reinterpret_cast<std::uintptr_t>(&text) >> 5) % recent.size()];
+            if (slot.text != &text) {
+                slot.text = &text;
+                slot.code = code_of(trimmed(text));
+            }
+            out.codes.push_back(slot.code);
+        } else if (c.IsANumber()) {
+            const double value = c.NumericValue();
+            std::uint64_t bits;
+            std::memcpy(&bits, &value, sizeof bits);
+            auto found = code_of_number.find(bits);
+            if (found == code_of_number.end()) {
+                found = code_of_number.emplace(bits, code_of_made(c)).first;
+            }
+            out.codes.push_back(found->second);
+        } else {
+            out.codes.push_back(code_of_made(c));
         }
     }
     return out;

@@ -49,6 +49,32 @@ struct NamedVector {
 
 NamedTable read_table_with_headers(const CellMatrix& table);
 NamedVector read_vector_with_header(const CellMatrix& table);
+// The cells of a named vector as they stand: one column, or one row, whose
+// first cell is the name; the shape and the header are tested as
+// read_vector_with_header tests them. The table must outlive the line.
+class NamedLine {
+  public:
+    explicit NamedLine(const CellMatrix& table);
+    const std::string& name() const { return name_; }
+    std::size_t size() const { return size_; }  // the cells after the name
+    const CellValue& operator[](std::size_t i) const {
+        return along_row_ ? table_(0, i + 1) : table_(i + 1, 0);
+    }
+
+  private:
+    const CellMatrix& table_;
+    bool along_row_ = false;
+    std::size_t size_ = 0;
+    std::string name_;
+};
+// As read_vector_with_header, each value through cell_to_text and trim, kept
+// as a code into the distinct texts: the one column of a categorical variable.
+struct NamedCodes {
+    std::string name;
+    svec texts;              // the distinct texts in order of first appearance
+    std::vector<int> codes;  // per value: its text's index
+};
+NamedCodes read_coded_vector_with_header(const CellMatrix& table);
 // Variables in columns under a header row; cells through cell_to_double and
 // no cell spoils an observation, so the mask is all set.
 NamedTable read_table_numeric_headers_first_row(const CellMatrix& table);

@@ -15,6 +15,13 @@ inline void end_report(CellMatrix& report, const std::string& command_name) {
     report.PushBottom(ending);
 }
 
+// The same ending written into the last of kReportEndRows rows that a big
+// report was made with, so that no joining copies it.
+constexpr std::size_t kReportEndRows = 2;
+inline void write_report_end(CellMatrix& report, const std::string& command_name) {
+    report(report.RowsInStructure() - 1, 0) = "End of output: " + command_name;
+}
+
 // The analysis of variance rows of a fit with n records and k parameters:
 // the column heads on row `top`, then SSR, SSE and SST with their degrees of
 // freedom, sums and means. A fit with no degrees of freedom left shows 0 as

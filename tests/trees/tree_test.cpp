@@ -135,9 +135,11 @@ TEST(Tree, RootSplitAndLeavesAgainstABruteForceReference) {
         const auto& s = groups[x[i][0] <= 100.0 ? 0 : x[i][0] <= 200.0 ? 1 : 2];
         ASSERT_NEAR(scores[i], static_cast<double>(s[2] / s[1]), 1e-12) << "record " << i;
     }
-    for (const treeNode& node : grown.nodes)
-        if (node.Terminal)
+    for (const treeNode& node : grown.nodes) {
+        if (node.Terminal) {
             EXPECT_EQ(node.NumRecords, 100) << "node " << node.NodeIndex;
+        }
+    }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <iostream>
+#include <memory>
 #include <sstream>
 
 #include "../support/tables.hpp"
@@ -97,6 +98,21 @@ TEST(CellValue, CopiesAnyKindThroughTheBase) {
     MJCellValue copy(sources[1]);
     copy = std::u16string(u"other");
     EXPECT_EQ(sources[1].WstringValue(), u"wide");
+}
+
+// Copies share their text: it lives while any of them holds it, and a copy
+// given a new text leaves the others alone.
+TEST(CellValue, CopiesShareATextThatOutlivesTheOriginal) {
+    auto original = std::make_unique<MJCellValue>("kept");
+    MJCellValue copy(*original);
+    MJCellValue assigned;
+    static_cast<CellValue&>(assigned) = *original;
+    EXPECT_EQ(&copy.StringValue(), &original->StringValue());
+    original.reset();
+    EXPECT_EQ(copy.StringValue(), "kept");
+    EXPECT_EQ(assigned.WstringValue(), u"kept");
+    copy = std::string("new");
+    EXPECT_EQ(assigned.StringValue(), "kept");
 }
 
 }  // namespace
