@@ -74,8 +74,7 @@ std::vector<CellMatrix> bind_arguments(const FunctionInfo& f,
         }
         if (at >= f.args.size())
             throw DriverError(f.excel_name + " takes " + std::to_string(f.args.size()) +
-                              (f.args.size() == 1 ? " argument: " : " arguments: ") +
-                              signature(f));
+                              (f.args.size() == 1 ? " argument: " : " arguments: ") + signature(f));
         if (set[at])
             throw DriverError("argument " + f.args[at].name + " is given twice");
         args[at] = g.second;

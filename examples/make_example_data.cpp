@@ -1,11 +1,14 @@
-// Writes the example data set, credit.csv, from a fixed seed: 3000 customers
+// Writes the example data sets from fixed seeds. credit.csv: 3000 customers
 // with a continuous target (spend), a binary target (default_flag), three
-// categorical columns and some missing values. The draws use only the raw
-// 32-bit output of std::mt19937, which the standard fixes, so every platform
-// writes the same file.
+// categorical columns and some missing values. loans.csv, beside it: 240
+// loans followed quarter by quarter until default, early repayment or the end
+// of observation. prices.csv: a monthly price index over 12 years and its
+// monthly change. The draws use only the raw 32-bit output of std::mt19937,
+// which the standard fixes, so every platform writes the same files.
 #include <cmath>
 #include <cstdio>
 #include <random>
+#include <string>
 
 namespace {
 
@@ -30,10 +33,80 @@ const char* pick(const char* const (&choices)[N], const double (&cumulative)[N])
     return choices[N - 1];
 }
 
+// Each loan opens in one of the 12 quarters observed and is followed to the
+// end of them; each quarter it defaults with its product's chance, else may be
+// repaid early. A loan repaid or still running at the end is censored.
+bool write_loans(const std::string& path) {
+    std::FILE* out = std::fopen(path.c_str(), "w");
+    if (!out) {
+        std::fprintf(stderr, "cannot write %s\n", path.c_str());
+        return false;
+    }
+    std::mt19937 loans(20261125u);
+    auto draw = [&] { return (loans() + 0.5) / 4294967296.0; };
+    const char* const products[] = {"Card", "Personal", "Mortgage"};
+    const double product_cdf[] = {0.4, 0.75, 1.0};
+    const double default_chance[] = {0.07, 0.04, 0.015};
+    std::fprintf(out, "id,product,quarters,defaulted\n");
+    for (int id = 1; id <= 240; ++id) {
+        const double u = draw();
+        const int p = u < product_cdf[0] ? 0 : u < product_cdf[1] ? 1 : 2;
+        const int observed = 12 - static_cast<int>(12 * draw());
+        int quarters = observed, defaulted = 0;
+        for (int q = 1; q <= observed; ++q) {
+            if (draw() < default_chance[p]) {
+                quarters = q;
+                defaulted = 1;
+                break;
+            }
+            if (draw() < 0.03) {
+                quarters = q;
+                break;
+            }
+        }
+        std::fprintf(out, "%d,%s,%d,%d\n", id, products[p], quarters, defaulted);
+    }
+    return std::fclose(out) == 0;
+}
+
+// A monthly price index over 12 years: a random walk with drift, so that its
+// autocorrelations die away slowly and the Dickey-Fuller test finds a unit
+// root, beside its change on the month before, which is white noise about the
+// drift. The first month has no change and leaves the cell empty.
+bool write_prices(const std::string& path) {
+    std::FILE* out = std::fopen(path.c_str(), "w");
+    if (!out) {
+        std::fprintf(stderr, "cannot write %s\n", path.c_str());
+        return false;
+    }
+    std::mt19937 prices(20261129u);
+    auto draw = [&] { return (prices() + 0.5) / 4294967296.0; };
+    std::fprintf(out, "month,index,change\n");
+    double index = 100.0;
+    for (int month = 1; month <= 144; ++month) {
+        const double u1 = draw(), u2 = draw();
+        const double shock = std::sqrt(-2.0 * std::log(u1)) * std::cos(6.283185307179586 * u2);
+        const double previous = index;
+        index = std::round((index + 0.25 + 1.5 * shock) * 100.0) / 100.0;
+        if (month == 1) {
+            std::fprintf(out, "%d,%.2f,\n", month, index);
+        } else {
+            std::fprintf(out, "%d,%.2f,%.2f\n", month, index, index - previous);
+        }
+    }
+    return std::fclose(out) == 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     const char* path = argc > 1 ? argv[1] : "credit.csv";
+    const std::string credit(path);
+    const std::string folder = credit.substr(0, credit.find_last_of('/') + 1);
+    if (!write_loans(folder + "loans.csv"))
+        return 1;
+    if (!write_prices(folder + "prices.csv"))
+        return 1;
     std::FILE* out = std::fopen(path, "w");
     if (!out) {
         std::fprintf(stderr, "cannot write %s\n", path);

@@ -2,6 +2,7 @@
 #include "commands/utility.hpp"
 #include "models/model_eval.hpp"
 #include "models/scoring.hpp"
+#include "multivariate/kaplan_meier.hpp"
 #include "numeric/latin_hypercube.hpp"
 #include "numeric/matrix_random.hpp"
 #include "numeric/prob_functions.hpp"
@@ -17,6 +18,10 @@
 #include "stats/ranks.hpp"
 #include "stats/summary.hpp"
 #include "stats/variable_corr_select.hpp"
+#include "timeseries/adf_test.hpp"
+#include "timeseries/box_test.hpp"
+#include "timeseries/correlograms.hpp"
+#include "timeseries/mann_kendall.hpp"
 #include "trees/tree.hpp"
 #include "trees/tree_boosting.hpp"
 #include "woe/woe_transform.hpp"
@@ -767,15 +772,16 @@ const std::vector<FunctionInfo>& catalogue() {
 
         // Time series
         function("ts_acf", "Computes the autocorrelations of a series up to a lag",
-                 {oper("x", kSeries), oper("maxLag", kMaxLag)}),
+                 {oper("x", kSeries), oper("maxLag", kMaxLag)}, command<&ts_acf>()),
         function("ts_pacf", "Computes the partial autocorrelations of a series up to a lag",
-                 {oper("x", kSeries), oper("maxLag", kMaxLag)}),
+                 {oper("x", kSeries), oper("maxLag", kMaxLag)}, command<&ts_pacf>()),
         function("ts_ccf", "Computes the cross-correlations of two series at lags of either sign",
                  {oper("x", kSeries),
                   oper("y",
                        "Column of the second series, of the length of x, with its name in the "
                        "first cell"),
-                  oper("maxLag", kMaxLag)}),
+                  oper("maxLag", kMaxLag)},
+                 command<&ts_ccf>()),
         function("Box_white_noise_test",
                  "Tests whether a series is white noise by the Box-Ljung or Box-Pierce statistic",
                  {oper("x", kSeries),
@@ -786,13 +792,15 @@ const std::vector<FunctionInfo>& catalogue() {
                        "BOX_LJUNG or BOX_PIERCE. Optional: omit for Box-Ljung. Default: BOX_LJUNG"),
                   oper("numParams",
                        "Number of fitted parameters taken from the degrees of freedom, a "
-                       "non-negative integer below maxLag. Optional: omit for 0. Default: 0")}),
+                       "non-negative integer below maxLag. Optional: omit for 0. Default: 0")},
+                 command<&Box_white_noise_test>()),
         function("Mann_Kendall_trend_test",
                  "Tests a series for a monotonic trend by the Mann-Kendall test",
                  {oper("x", kSeries),
                   oper("frequency",
                        "Number of points in a period, a positive integer. Optional: omit for 1. "
-                       "Default: 1")}),
+                       "Default: 1")},
+                 command<&Mann_Kendall_trend_test>()),
         function("ADF_test", "Tests a series for a unit root by the augmented Dickey-Fuller test",
                  {oper("x", kSeries),
                   oper("maxLag",
@@ -801,7 +809,8 @@ const std::vector<FunctionInfo>& catalogue() {
                        "100)^0.25"),
                   oper("timeTerms",
                        "Deterministic terms: nc for none, c a constant, ct a constant and a trend, "
-                       "ctt also the squared trend. Optional: omit for ct. Default: ct")}),
+                       "ctt also the squared trend. Optional: omit for ct. Default: ct")},
+                 command<&ADF_test>()),
         function("ts_diff", "Differences a series at a lag, a number of times",
                  {oper("x", kSeries),
                   oper("lag",
@@ -1048,7 +1057,8 @@ const std::vector<FunctionInfo>& catalogue() {
                        "Optional: omit for one group. Default: one group named All"),
                   oper("labelForCensor",
                        "Text that marks censored points for plotting. Optional: omit for +. "
-                       "Default: +")}),
+                       "Default: +")},
+                 command<&Kaplan_Meier>()),
         function("corresp_analysis",
                  "Finds the principal inertias and the row and column coordinates of a "
                  "contingency table by correspondence analysis",

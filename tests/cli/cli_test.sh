@@ -167,7 +167,7 @@ check "a directory as a file" 1 "" "Error: cannot find the variable (x1) in data
     -- "$Z" call univariate_from_file . x1
 
 # --- the demo on the shipped example data
-cp "$EXAMPLES/credit.csv" "$EXAMPLES/demo.zt" .
+cp "$EXAMPLES"/*.csv "$EXAMPLES/demo.zt" .
 check_match "demo" 0 $'^Zentable 2\\.00 is built on .*\nlinearRegModel->[0-9]+\n.*Number of Records +2866\n.*End of output: linear_reg' \
     -- "$Z" run demo.zt
 
