@@ -7,6 +7,9 @@
 #include "numeric/matrix_random.hpp"
 #include "numeric/prob_functions.hpp"
 #include "numeric/sequences.hpp"
+#include "optimisation/lcp.hpp"
+#include "optimisation/linear_prog.hpp"
+#include "regression/forward_select.hpp"
 #include "regression/linear_reg.hpp"
 #include "regression/linear_reg_variants.hpp"
 #include "regression/logistic_reg.hpp"
@@ -685,14 +688,16 @@ const std::vector<FunctionInfo>& catalogue() {
                  "Selects the x variables of a linear regression one at a time by forward "
                  "selection, and files the final model",
                  {oper("x", kX), oper("y", kY), oper("pvalue", kEntryPValue), oper("steps", kSteps),
-                  oper("startsWith", kStartsWith), oper("weight", kWeight)}),
+                  oper("startsWith", kStartsWith), oper("weight", kWeight)},
+                 command<&linear_reg_forward_select>()),
         function(
             "linear_reg_forward_select_from_file",
             "Selects the x variables of a linear regression on a delimited data file one at a "
             "time by forward selection, and files the final model",
             {oper("filename", kFilename), oper("xNames", kXNames), oper("yName", kYName),
              oper("pvalue", kEntryPValue), oper("steps", kSteps), oper("startsWith", kStartsWith),
-             oper("weightName", kWeightName), oper("delimiter", kDelimiter)}),
+             oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
+            command<&linear_reg_forward_select_from_file>()),
         function("linear_reg_score_from_coefs",
                  "Scores data with the coefficients of a linear model given in a table",
                  {oper("coefs", kCoefs), oper("inputData", kDataWithHeaders)},
@@ -755,7 +760,8 @@ const std::vector<FunctionInfo>& catalogue() {
                  "Selects the x variables of a logistic regression one at a time by score tests, "
                  "and files the final model",
                  {oper("x", kX), oper("y", kBinaryY), oper("pvalue", kEntryPValue),
-                  oper("steps", kSteps), oper("startsWith", kStartsWith), oper("weight", kWeight)}),
+                  oper("steps", kSteps), oper("startsWith", kStartsWith), oper("weight", kWeight)},
+                 command<&logistic_reg_forward_select>()),
         function(
             "logistic_reg_forward_select_from_file",
             "Selects the x variables of a logistic regression on a delimited data file one at "
@@ -763,7 +769,8 @@ const std::vector<FunctionInfo>& catalogue() {
             {oper("filename", kFilename), oper("xNames", kXNames),
              oper("yName", "Name of the binary y variable in the file"),
              oper("pvalue", kEntryPValue), oper("steps", kSteps), oper("startsWith", kStartsWith),
-             oper("weightName", kWeightName), oper("delimiter", kDelimiter)}),
+             oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
+            command<&logistic_reg_forward_select_from_file>()),
         function("logistic_reg_score_from_coefs",
                  "Scores data with the coefficients of a logistic model given in a table, one "
                  "probability for each row",
@@ -1277,15 +1284,16 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("delimiter", kDelimiter)}),
 
         // Optimisation
-        function("linear_prog",
-                 "Maximises or minimises a linear function of non-negative variables under linear "
-                 "constraints by the simplex method",
-                 {oper("c", "Coefficients of the objective, in one row or one column"),
-                  oper("constraints",
-                       "One row per constraint: the coefficients, an operator <=, >= or =, and the "
-                       "right-hand side"),
-                  oper("maxOrMin",
-                       "MAX or MIN, in any case. Optional: omit to maximise. Default: MAX")}),
+        function(
+            "linear_prog",
+            "Maximises or minimises a linear function of non-negative variables under linear "
+            "constraints by the simplex method",
+            {oper("c", "Coefficients of the objective, in one row or one column"),
+             oper("constraints",
+                  "One row per constraint: the coefficients, an operator <=, >= or =, and the "
+                  "right-hand side"),
+             oper("maxOrMin", "MAX or MIN, in any case. Optional: omit to maximise. Default: MAX")},
+            command<&linear_prog>()),
         function("quadratic_prog",
                  "Minimises or maximises a quadratic function of non-negative variables under "
                  "linear constraints",
@@ -1294,13 +1302,15 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("constraints",
                        "One row per constraint: the coefficients, an operator <=, >= or =, and the "
                        "right-hand side"),
-                  oper("minOrMax", kMinOrMax)}),
+                  oper("minOrMax", kMinOrMax)},
+                 command<&quadratic_prog>()),
         function(
             "lcp",
             "Solves the linear complementarity problem w = m z + q, w and z non-negative, w' z "
             "= 0, by Lemke's method",
             {oper("m", "Square matrix of the problem"),
-             oper("q", "Column vector with one row per row of m")}),
+             oper("q", "Column vector with one row per row of m")},
+            command<&lcp>()),
         function("nls_solver",
                  "Fits the parameters of an expression to data by weighted nonlinear least squares",
                  {oper("func", kFunc),

@@ -183,9 +183,10 @@ LogLikelihood logistic_newton(const dmat& x, const dvec& y, const dvec& weight, 
     return current;
 }
 
-LogisticFit logistic_fit(const dmat& x, const dvec& y, const dvec& weight) {
-    LogisticFit fit;
-    double total = 0.0, events = 0.0;
+void count_target(const dvec& y, const dvec& weight, LogisticFit& fit, double& total,
+                  double& events) {
+    total = 0.0;
+    events = 0.0;
     for (std::size_t i = 0; i < y.size(); ++i) {
         total += weight[i];
         events += weight[i] * y[i];
@@ -196,17 +197,16 @@ LogisticFit logistic_fit(const dmat& x, const dvec& y, const dvec& weight) {
             fit.w0 += weight[i];
         }
     }
-    const std::size_t p = x.empty() ? 0 : x[0].size();
-    dvec start(p + 1, 0.0);
-    start[p] = std::log(events / (total - events));
+}
 
-    const LogLikelihood result = logistic_newton(x, y, weight, start, fit.coefs);
-    fit.ll = result.value;
+double intercept_only_loglik(double total, double events) {
     const double y_bar = events / total;
-    fit.ll0 = std::log(1.0 - y_bar) * (total - events) + std::log(y_bar) * events;
+    return std::log(1.0 - y_bar) * (total - events) + std::log(y_bar) * events;
+}
 
-    const dmat covariance = inverse(result.hessian);
-    for (std::size_t i = 0; i <= p; ++i) {
+void add_wald_tests(const dmat& hessian, LogisticFit& fit) {
+    const dmat covariance = inverse(hessian);
+    for (std::size_t i = 0; i < fit.coefs.size(); ++i) {
         const double se = std::sqrt(-covariance[i][i]);
         const double z = fit.coefs[i] / se;
         const double wald = z * z;
@@ -214,6 +214,20 @@ LogisticFit logistic_fit(const dmat& x, const dvec& y, const dvec& weight) {
         fit.wald.push_back(wald);
         fit.p_values.push_back(1.0 - gammp(0.5, wald * 0.5));
     }
+}
+
+LogisticFit logistic_fit(const dmat& x, const dvec& y, const dvec& weight) {
+    LogisticFit fit;
+    double total = 0.0, events = 0.0;
+    count_target(y, weight, fit, total, events);
+    const std::size_t p = x.empty() ? 0 : x[0].size();
+    dvec start(p + 1, 0.0);
+    start[p] = std::log(events / (total - events));
+
+    const LogLikelihood result = logistic_newton(x, y, weight, start, fit.coefs);
+    fit.ll = result.value;
+    fit.ll0 = intercept_only_loglik(total, events);
+    add_wald_tests(result.hessian, fit);
     return fit;
 }
 

@@ -46,6 +46,16 @@ struct LogisticFit {
     dvec coefs, std_errors, wald, p_values;  // intercept last
 };
 
+// The record counts and weight sums of a y coded 0 and 1 into fit, with the
+// weight total and the weighted event count.
+void count_target(const dvec& y, const dvec& weight, LogisticFit& fit, double& total,
+                  double& events);
+// The log-likelihood of the intercept-only model.
+double intercept_only_loglik(double total, double events);
+// Standard errors, Wald chi-squares and p values of fit.coefs from the
+// Hessian on the raw scale.
+void add_wald_tests(const dmat& hessian, LogisticFit& fit);
+
 // The maximum-likelihood fit of a y coded 0 and 1, with Wald tests.
 LogisticFit logistic_fit(const dmat& x, const dvec& y, const dvec& weight);
 

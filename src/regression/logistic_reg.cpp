@@ -18,26 +18,26 @@ constexpr const char* kCommand = "logistic_reg";
 constexpr const char* kBadCoefs =
     "coefs must hold variable names in the first column and coefficients in the second";
 
-void write_association(CellMatrix& r, const BinaryEval& eval) {
-    r(18, 0) = "%Concordant";
-    r(18, 1) = eval.concordant;
-    r(18, 2) = "Somers' D";
-    r(18, 3) = eval.somers_d;
-    r(19, 0) = "%Discordant";
-    r(19, 1) = eval.discordant;
-    r(19, 2) = "Gamma";
-    r(19, 3) = eval.gamma;
-    r(20, 0) = "%Tied";
-    r(20, 1) = eval.tied;
-    r(20, 2) = "Tau-a";
-    r(20, 3) = eval.tau_a;
-    r(21, 0) = "#Pairs";
-    r(21, 1) = eval.pairs;
-    r(21, 2) = "c";
-    r(21, 3) = eval.c;
-}
-
 }  // namespace
+
+void write_association_rows(CellMatrix& r, std::size_t top, const BinaryEval& eval) {
+    r(top, 0) = "%Concordant";
+    r(top, 1) = eval.concordant;
+    r(top, 2) = "Somers' D";
+    r(top, 3) = eval.somers_d;
+    r(top + 1, 0) = "%Discordant";
+    r(top + 1, 1) = eval.discordant;
+    r(top + 1, 2) = "Gamma";
+    r(top + 1, 3) = eval.gamma;
+    r(top + 2, 0) = "%Tied";
+    r(top + 2, 1) = eval.tied;
+    r(top + 2, 2) = "Tau-a";
+    r(top + 2, 3) = eval.tau_a;
+    r(top + 3, 0) = "#Pairs";
+    r(top + 3, 1) = eval.pairs;
+    r(top + 3, 2) = "c";
+    r(top + 3, 3) = eval.c;
+}
 
 CellMatrix logistic_reg(const CellMatrix& x, const CellMatrix& y, const CellMatrix& weight) {
     const XYW data = read_xyw(x, y, weight);
@@ -107,7 +107,7 @@ CellMatrix logistic_reg_run(const dmat& x, const dvec& y, const dvec& weight,
     r(9, 0) = "Number of Parameters";
     r(9, 1) = k;
     write_model_fit_rows(r, 11, n, k, fit.ll0, fit.ll);
-    write_association(r, eval);
+    write_association_rows(r, 18, eval);
 
     r(23, 0) = "Model Parameter Estimates";
     const char* headers[] = {"#",      "Variable", "Estimate", "Standard Error", "Wald Chi-Square",
