@@ -6,7 +6,7 @@
 # survival probabilities and standard errors. Not run by CI. Needs Debian's
 # r-cran-survival, r-cran-data.table and python3-statsmodels (run with
 # /usr/bin/python3), installed by hand for the comparison:
-#   flock /tmp/apt.lock apt-get install -y r-cran-survival r-cran-data.table python3-statsmodels
+#   apt-get install -y r-cran-survival r-cran-data.table python3-statsmodels
 # usage: bench/kaplan_meier_vs_r.sh [BUILD_DIR]
 set -euo pipefail
 BUILD=${1:-build}

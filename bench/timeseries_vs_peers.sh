@@ -28,7 +28,7 @@ for p in r-base-core r-cran-data.table r-cran-tseries python3-statsmodels python
     dpkg -s "$p" >/dev/null 2>&1 || missing="$missing $p"
 done
 if [ -n "$missing" ]; then
-    flock /tmp/apt.lock apt-get install -y --no-install-recommends $missing >/dev/null
+    apt-get install -y --no-install-recommends $missing >/dev/null
 fi
 
 # Seeded series written with two decimals, as a user's file would hold them.
