@@ -394,12 +394,7 @@ void cont_eval_core(const dmat& records, int k, int numBins, ContEval& out) {
         cont_gains(records, numBins, out);
 }
 
-void binary_eval_table(const dmat& records, int numBins, const std::string& title,
-                       const std::string& name, CellMatrix& result) {
-    BinaryEval eval;
-    binary_eval_core(records, numBins, eval);
-    result = CellMatrix(eval.gains.size() + 8, 13);
-    result(0, 0) = title + " Performance";
+void write_association_rows(CellMatrix& r, std::size_t top, const BinaryEval& eval) {
     const char* const labels[4][2] = {{"%Concordant", "Somers' D"},
                                       {"%Discordant", "Gamma"},
                                       {"%Tied", "Tau-a"},
@@ -409,11 +404,20 @@ void binary_eval_table(const dmat& records, int numBins, const std::string& titl
                                  {eval.tied, eval.tau_a},
                                  {eval.pairs, eval.c}};
     for (std::size_t i = 0; i < 4; ++i) {
-        result(2 + i, 0) = labels[i][0];
-        result(2 + i, 1) = values[i][0];
-        result(2 + i, 2) = labels[i][1];
-        result(2 + i, 3) = values[i][1];
+        r(top + i, 0) = labels[i][0];
+        r(top + i, 1) = values[i][0];
+        r(top + i, 2) = labels[i][1];
+        r(top + i, 3) = values[i][1];
     }
+}
+
+void binary_eval_table(const dmat& records, int numBins, const std::string& title,
+                       const std::string& name, CellMatrix& result) {
+    BinaryEval eval;
+    binary_eval_core(records, numBins, eval);
+    result = CellMatrix(eval.gains.size() + 8, 13);
+    result(0, 0) = title + " Performance";
+    write_association_rows(result, 2, eval);
     static const char* const header[] = {
         "Decile",   "Freq",    "Bad",          "Min_Score", "Max_Score", "Mean_Score", "Mean_Bad",
         "Cum_Freq", "Cum_Bad", "Cum_Bad_Rate", "Cum_Rate",  "KS",        "Cum_Lift",   nullptr};

@@ -66,4 +66,7 @@ void cont_eval_table(const dmat& records, int k, int numBins, const std::string&
 // and the coefficient of variation; the tree reports show the same rows.
 void write_cont_eval_rows(CellMatrix& r, const ContEval& eval);
 
+// The four rows of association measures of a binary model, from row `top`.
+void write_association_rows(CellMatrix& r, std::size_t top, const BinaryEval& eval);
+
 }  // namespace zentable

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "data/delimited_file.hpp"
+#include "models/evaluation.hpp"
 #include "models/model_eval.hpp"
 #include "numeric/distributions.hpp"
 #include "numeric/symmetric_eigen.hpp"

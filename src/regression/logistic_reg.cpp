@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "data/delimited_file.hpp"
+#include "models/evaluation.hpp"
 #include "models/model_eval.hpp"
 #include "regression/logistic_fit.hpp"
 #include "regression/logistic_reg_model.hpp"
@@ -19,25 +20,6 @@ constexpr const char* kBadCoefs =
     "coefs must hold variable names in the first column and coefficients in the second";
 
 }  // namespace
-
-void write_association_rows(CellMatrix& r, std::size_t top, const BinaryEval& eval) {
-    r(top, 0) = "%Concordant";
-    r(top, 1) = eval.concordant;
-    r(top, 2) = "Somers' D";
-    r(top, 3) = eval.somers_d;
-    r(top + 1, 0) = "%Discordant";
-    r(top + 1, 1) = eval.discordant;
-    r(top + 1, 2) = "Gamma";
-    r(top + 1, 3) = eval.gamma;
-    r(top + 2, 0) = "%Tied";
-    r(top + 2, 1) = eval.tied;
-    r(top + 2, 2) = "Tau-a";
-    r(top + 2, 3) = eval.tau_a;
-    r(top + 3, 0) = "#Pairs";
-    r(top + 3, 1) = eval.pairs;
-    r(top + 3, 2) = "c";
-    r(top + 3, 3) = eval.c;
-}
 
 CellMatrix logistic_reg(const CellMatrix& x, const CellMatrix& y, const CellMatrix& weight) {
     const XYW data = read_xyw(x, y, weight);

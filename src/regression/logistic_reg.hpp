@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "models/model_eval.hpp"
 #include "numeric/matrix.hpp"
 #include "xlw/cell_matrix.hpp"
 
@@ -28,8 +27,5 @@ CellMatrix logistic_reg_score_from_coefs(const CellMatrix& coefs, const CellMatr
 CellMatrix logistic_reg_run(const dmat& x, const dvec& y, const dvec& weight,
                             const std::vector<std::string>& names, const std::string& y_name,
                             bool has_weight);
-
-// The four rows of association measures of a binary model, from row `top`.
-void write_association_rows(CellMatrix& r, std::size_t top, const BinaryEval& eval);
 
 }  // namespace zentable

@@ -61,22 +61,7 @@ void write_binary_block(CellMatrix& r, const BinaryPerformance& p, const BinaryE
 
     write_model_fit_rows(r, 10, n, p.nv + 1, p.ll0, p.ll1);
 
-    r(17, 0) = "%Concordant";
-    r(17, 1) = eval.concordant;
-    r(17, 2) = "Somers' D";
-    r(17, 3) = eval.somers_d;
-    r(18, 0) = "%Discordant";
-    r(18, 1) = eval.discordant;
-    r(18, 2) = "Gamma";
-    r(18, 3) = eval.gamma;
-    r(19, 0) = "%Tied";
-    r(19, 1) = eval.tied;
-    r(19, 2) = "Tau-a";
-    r(19, 3) = eval.tau_a;
-    r(20, 0) = "#Pairs";
-    r(20, 1) = eval.pairs;
-    r(20, 2) = "c";
-    r(20, 3) = eval.c;
+    write_association_rows(r, 17, eval);
 }
 
 std::size_t importance_variable(const dvec& importance_row) {
