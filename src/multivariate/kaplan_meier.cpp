@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "numeric/radix_sort.hpp"
 #include "stats/freq.hpp"
 #include "xlw/cell_conversions.hpp"
 #include "xlw/decoders.hpp"
@@ -190,21 +191,6 @@ std::size_t write_group(CellMatrix& r, std::size_t row, const std::string& time_
     return row;
 }
 
-// Doubles as unsigned keys in the same order: negative numbers have all bits
-// turned, the others only the sign bit.
-std::uint64_t sort_key(double value) {
-    std::uint64_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    return (bits >> 63) != 0 ? ~bits : bits | (std::uint64_t{1} << 63);
-}
-
-double key_value(std::uint64_t key) {
-    const std::uint64_t bits = (key >> 63) != 0 ? key & ~(std::uint64_t{1} << 63) : ~key;
-    double value;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-}
-
 }  // namespace
 
 void sort_times(double* first, std::size_t size, double* scratch) {
@@ -213,41 +199,16 @@ void sort_times(double* first, std::size_t size, double* scratch) {
         std::sort(first, first + size);
         return;
     }
-    // Six passes of 11 bits from the lowest digit up, over the keys held in
-    // place of the doubles; a pass whose digit is the same for every value
-    // moves nothing and is skipped, so whole days take three passes.
-    constexpr int kBits = 11, kPasses = 6;
-    constexpr std::size_t kBuckets = std::size_t{1} << kBits;
-    std::vector<std::array<std::size_t, kBuckets>> counts(kPasses);
-    for (auto& c : counts)
-        c.fill(0);
+    // The keys take the place of the doubles, so that the sort needs no
+    // buffer beyond the scratch run.
     std::uint64_t key;
     for (std::size_t i = 0; i < size; ++i) {
-        key = sort_key(first[i]);
+        key = order_key(first[i]);
         std::memcpy(&first[i], &key, sizeof key);
-        for (int p = 0; p < kPasses; ++p)
-            ++counts[p][(key >> (p * kBits)) & (kBuckets - 1)];
     }
-    double* from = first;
-    double* to = scratch;
-    for (int p = 0; p < kPasses; ++p) {
-        std::memcpy(&key, &from[0], sizeof key);
-        if (counts[p][(key >> (p * kBits)) & (kBuckets - 1)] == size)
-            continue;
-        std::size_t start = 0;
-        for (std::size_t& c : counts[p]) {
-            const std::size_t n = c;
-            c = start;
-            start += n;
-        }
-        for (std::size_t i = 0; i < size; ++i) {
-            std::memcpy(&key, &from[i], sizeof key);
-            std::memcpy(&to[counts[p][(key >> (p * kBits)) & (kBuckets - 1)]++], &key, sizeof key);
-        }
-        std::swap(from, to);
-    }
+    const double* sorted = radix_sort_keys(first, scratch, size) ? scratch : first;
     for (std::size_t i = 0; i < size; ++i) {
-        std::memcpy(&key, &from[i], sizeof key);
+        std::memcpy(&key, &sorted[i], sizeof key);
         first[i] = key_value(key);
     }
 }

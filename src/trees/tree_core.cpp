@@ -10,6 +10,7 @@
 #include <map>
 #include <new>
 
+#include "numeric/radix_sort.hpp"
 #include "xlw/cell_conversions.hpp"
 
 namespace zentable {
@@ -59,11 +60,7 @@ double split_gain(Method method, double wL, double W, double sL, double m) {
 // A key whose unsigned order is the order of the doubles; -0.0 and 0.0 share
 // one key, since no split falls between them.
 std::uint64_t sort_key(double x) {
-    if (x == 0.0)
-        x = 0.0;
-    std::uint64_t bits;
-    std::memcpy(&bits, &x, sizeof bits);
-    return (bits & 0x8000000000000000ULL) ? ~bits : bits | 0x8000000000000000ULL;
+    return order_key(x == 0.0 ? 0.0 : x);
 }
 
 // Orders the positions 0..n-1 of a node's rows by x, ascending, equal values

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "numeric/distributions.hpp"
+#include "numeric/radix_sort.hpp"
 #include "regression/weighted_regression.hpp"
 
 namespace zentable {
@@ -80,61 +81,21 @@ void closing_range(const dmat& bins, dvec& closing) {
     closing[kWoeXMax] = std::max(bins.front()[1], bins.back()[1]);
 }
 
-// The order-keeping key of a double: its bits, mapped so that unsigned order
-// is numeric order. Zero has one key whatever its sign, so that equal values
-// have equal keys.
+// The order-keeping key of a double. Zero has one key whatever its sign, so
+// that equal values have equal keys.
 std::uint64_t key_of(double value) {
-    if (value == 0.0)
-        value = 0.0;
-    std::uint64_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits >> 63 ? ~bits : bits | (std::uint64_t{1} << 63);
+    return order_key(value == 0.0 ? 0.0 : value);
 }
 
-double value_of(std::uint64_t key) {
-    const std::uint64_t bits = key >> 63 ? key & ~(std::uint64_t{1} << 63) : ~key;
-    double value;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-}
-
-// The keys of x in ascending order, in scratch.keys. A least-significant-digit
-// radix sort does in six passes what a comparison sort does in twenty; the
-// digits are small enough for their counts to stay in the first-level cache.
+// The keys of x in ascending order, in scratch.keys.
 void sort_keys(const dvec& x, GroupScratch& scratch) {
-    constexpr int kDigitBits = 11;
-    constexpr int kPasses = 6;
-    constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
     const std::size_t n = x.size();
-    std::vector<std::uint64_t>& keys = scratch.keys;
-    std::vector<std::uint64_t>& spare = scratch.spare;
-    keys.resize(n);
-    spare.resize(n);
-    std::vector<std::size_t> count(kDigits * kPasses, 0);
-    for (std::size_t i = 0; i < n; ++i) {
-        const std::uint64_t k = key_of(x[i]);
-        keys[i] = k;
-        for (int pass = 0; pass < kPasses; ++pass)
-            ++count[pass * kDigits + ((k >> (pass * kDigitBits)) & (kDigits - 1))];
-    }
-    for (int pass = 0; pass < kPasses; ++pass) {
-        std::size_t* c = &count[pass * kDigits];
-        const int shift = pass * kDigitBits;
-        // A digit that all keys share moves nothing.
-        if (c[(keys[0] >> shift) & (kDigits - 1)] == n)
-            continue;
-        std::size_t total = 0;
-        for (std::size_t d = 0; d < kDigits; ++d) {
-            const std::size_t here = c[d];
-            c[d] = total;
-            total += here;
-        }
-        for (std::size_t i = 0; i < n; ++i) {
-            const std::uint64_t k = keys[i];
-            spare[c[(k >> shift) & (kDigits - 1)]++] = k;
-        }
-        keys.swap(spare);
-    }
+    scratch.keys.resize(n);
+    scratch.spare.resize(n);
+    for (std::size_t i = 0; i < n; ++i)
+        scratch.keys[i] = key_of(x[i]);
+    if (radix_sort_keys(scratch.keys.data(), scratch.spare.data(), n))
+        scratch.keys.swap(scratch.spare);
 }
 
 // The first upper edge at or above x, without branches to mispredict.
@@ -314,10 +275,10 @@ std::vector<RankedGroup> rank_x_groups(const dvec& x, const dvec& y, const dvec&
             codes.push_back(code);
             upper.push_back(0.0);
             RankedGroup g;
-            g.x_min = value_of(sorted[first]);
+            g.x_min = key_value(sorted[first]);
             out.push_back(g);
         }
-        upper.back() = value_of(sorted[last]);
+        upper.back() = key_value(sorted[last]);
         out.back().x_max = upper.back();
         first = last + 1;
     }
