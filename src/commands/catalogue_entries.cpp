@@ -79,10 +79,12 @@ constexpr const char* kMaxNumBins =
     "Largest number of bins to keep, a positive integer. Optional: omit for no limit. Default: "
     "2147483647";
 constexpr const char* kMinNumRecords =
-    "Least number of records in a bin, a positive integer. Optional: omit for 50. Default: 50";
+    "Least number of records with x missing for the Missing group to be scored by its own value "
+    "(its WOE, or its mean of y); a smaller group is shown in the report but scored as 0. A "
+    "positive integer. Optional: omit for 50. Default: 50";
 constexpr const char* kCategoricalX =
     "Table of categorical x variables with their names in the first row; each cell is taken as "
-    "its text";
+    "its text, and empty cells form a category of their own, shown as (empty)";
 constexpr const char* kContinuousX =
     "Table of continuous x variables with their names in the first row; a missing cell counts "
     "as missing for its variable alone";
@@ -534,7 +536,9 @@ const std::vector<FunctionInfo>& catalogue() {
         function(
             "woe_xcont_ybin",
             "Bins continuous variables against a binary target, merging neighbouring bins, "
-            "with weights of evidence and information values, and stores the binning",
+            "with weights of evidence and information values, and stores the binning. Records "
+            "with x missing form a Missing group, a bin of its own in the totals, the shares and "
+            "the information value; the cumulative shares and the KS run over the ordered bins",
             {oper("x", kContinuousX), oper("y", kBinaryY), oper("initialNumBins", kInitialNumBins),
              oper("pvalue", kPValue), oper("maxNumBins", kMaxNumBins),
              oper("minNumRecords", kMinNumRecords), oper("weight", kWeight)},
@@ -542,7 +546,9 @@ const std::vector<FunctionInfo>& catalogue() {
         function("woe_xcont_ybin_from_file",
                  "Bins continuous variables of a delimited data file against a binary target, "
                  "merging neighbouring bins, with weights of evidence and information values, and "
-                 "stores the binning",
+                 "stores the binning. Records with x missing form a Missing group, a bin of its "
+                 "own in the totals, the shares and the information value; the cumulative shares "
+                 "and the KS run over the ordered bins",
                  {oper("filename", kFilename), oper("xNames", kXNames),
                   oper("yName", "Name of the binary target in the file"),
                   oper("initialNumBins", kInitialNumBins), oper("pvalue", kPValue),
@@ -551,7 +557,9 @@ const std::vector<FunctionInfo>& catalogue() {
                  command<&woe_xcont_ybin_from_file>()),
         function("woe_xcont_ycont",
                  "Bins continuous variables against a continuous target, merging neighbouring "
-                 "bins, with the mean target of each bin, and stores the binning",
+                 "bins, with the mean target of each bin, and stores the binning. Records with x "
+                 "missing form a Missing group, a bin of its own in the totals and the R-square; "
+                 "the cumulative shares run over the ordered bins",
                  {oper("x", kContinuousX), oper("y", kContinuousY),
                   oper("initialNumBins", kInitialNumBins), oper("pvalue", kPValue),
                   oper("maxNumBins", kMaxNumBins), oper("minNumRecords", kMinNumRecords),
@@ -560,7 +568,8 @@ const std::vector<FunctionInfo>& catalogue() {
         function("woe_xcont_ycont_from_file",
                  "Bins continuous variables of a delimited data file against a continuous target, "
                  "merging neighbouring bins, with the mean target of each bin, and stores the "
-                 "binning",
+                 "binning. Records with x missing form a Missing group, a bin of its own in the "
+                 "totals and the R-square; the cumulative shares run over the ordered bins",
                  {oper("filename", kFilename), oper("xNames", kXNames),
                   oper("yName", "Name of the continuous target in the file"),
                   oper("initialNumBins", kInitialNumBins), oper("pvalue", kPValue),

@@ -28,17 +28,29 @@ void merge_ybin_pair(dmat& bins, std::size_t i) {
     bins.erase(bins.begin() + static_cast<std::ptrdiff_t>(i) + 1);
 }
 
+// The standard deviation of group_summary from a bin's sum of squared
+// deviations: divisor records - 1 on the weighted moments, 0 for one record.
+double standard_deviation_of(double count, double weight, double squares) {
+    return count > 1 ? std::sqrt(squares / weight * count / (count - 1)) : 0.0;
+}
+
+// The sums of squares pool exactly: each bin's own about its mean, and the
+// spread of the two means about the merged one.
 void merge_ycont_pair(dmat& bins, std::size_t i) {
     dvec& low = bins[i];
     const dvec& high = bins[i + 1];
-    const double n1 = low[2], m1 = low[3], s1 = low[4];
-    const double n2 = high[2], m2 = high[3], s2 = high[4];
+    const double n1 = low[2], m1 = low[3];
+    const double n2 = high[2], m2 = high[3];
     const double n = n1 + n2;
+    const double count = low[5] + high[5];
+    const double squares = low[6] + high[6] + n1 * n2 * (m1 - m2) * (m1 - m2) / n;
     low[0] = std::min(low[0], high[0]);
     low[1] = std::max(low[1], high[1]);
     low[2] = n;
     low[3] = (m1 * n1 + m2 * n2) / n;
-    low[4] = std::sqrt((n1 * s1 * s1 + n2 * s2 * s2 + n1 * n2 * (m1 - m2) * (m1 - m2) / n) / n);
+    low[4] = standard_deviation_of(count, n, squares);
+    low[5] = count;
+    low[6] = squares;
     bins.erase(bins.begin() + static_cast<std::ptrdiff_t>(i) + 1);
 }
 
@@ -77,6 +89,8 @@ double ycont_pair_p_value(const dvec& low, const dvec& high) {
 
 // The closing row's range: that of the first and the last bins.
 void closing_range(const dmat& bins, dvec& closing) {
+    if (bins.empty())
+        return;
     closing[kWoeXMin] = std::min(bins.front()[0], bins.back()[0]);
     closing[kWoeXMax] = std::max(bins.front()[1], bins.back()[1]);
 }
@@ -152,15 +166,30 @@ dmat woe_merge_ycont(dmat bins, double pvalue, int maxNumBins) {
     return bins;
 }
 
-dmat woe_table_ybin(const dmat& bins) {
-    if (bins.empty())
+WoeShares woe_shares(double n1, double n0, double t1, double t0) {
+    WoeShares s;
+    s.r1 = n1 / t1;
+    s.r0 = n0 / t0;
+    s.woe = std::log((kTiny + s.r1) / (s.r0 + kTiny));
+    s.info_value = s.woe * (s.r1 - s.r0);
+    return s;
+}
+
+dmat woe_table_ybin(const dmat& bins, const dvec& missing) {
+    if (bins.empty() && missing.empty())
         return dmat(1, dvec(kWoeTableColumns, 0.0));
-    double n1_total = 0.0, n0_total = 0.0;
+    double n1_bins = 0.0, n0_bins = 0.0;
     for (const dvec& bin : bins) {
-        n1_total += bin[2];
-        n0_total += bin[3];
+        n1_bins += bin[2];
+        n0_bins += bin[3];
     }
+    const double m1 = missing.empty() ? 0.0 : missing[2];
+    const double m0 = missing.empty() ? 0.0 : missing[3];
+    const double n1_total = n1_bins + m1, n0_total = n0_bins + m0;
     const double t1 = n1_total + kTiny, t0 = n0_total + kTiny;
+    // The cumulative shares and the KS describe the order of x, which the
+    // missing group has no place in.
+    const double cum1 = n1_bins + kTiny, cum0 = n0_bins + kTiny;
     dmat table;
     table.reserve(bins.size() + 1);
     double c1 = 0.0, c0 = 0.0, info_value = 0.0, ks_max = 0.0;
@@ -168,15 +197,16 @@ dmat woe_table_ybin(const dmat& bins) {
         const double n1 = bin[2], n0 = bin[3];
         c1 += n1;
         c0 += n0;
-        const double r1 = n1 / t1, r0 = n0 / t0;
-        const double woe = std::log((kTiny + r1) / (r0 + kTiny));
-        const double iv = woe * (r1 - r0);
-        const double ks = std::fabs((c1 / t1) - (c0 / t0));
-        table.push_back({bin[0], bin[1], n1 + n0, n1, c1 / t1, n0, c0 / t0, r1 * 100 / (r0 + kTiny),
-                         n1 / (n1 + n0 + kTiny), woe, iv, ks});
-        info_value += iv;
+        const WoeShares s = woe_shares(n1, n0, t1, t0);
+        const double ks = std::fabs((c1 / cum1) - (c0 / cum0));
+        table.push_back({bin[0], bin[1], n1 + n0, n1, c1 / cum1, n0, c0 / cum0,
+                         s.r1 * 100 / (s.r0 + kTiny), n1 / (n1 + n0 + kTiny), s.woe, s.info_value,
+                         ks});
+        info_value += s.info_value;
         ks_max = std::max(ks_max, ks);
     }
+    if (!missing.empty())
+        info_value += woe_shares(m1, m0, t1, t0).info_value;
     dvec closing = {0.0,      0.0,        n1_total + n0_total,
                     n1_total, 1.0,        n0_total,
                     1.0,      100.0,      n1_total / (n1_total + n0_total + kTiny),
@@ -186,23 +216,38 @@ dmat woe_table_ybin(const dmat& bins) {
     return table;
 }
 
-dmat woe_table_ycont(const dmat& bins) {
-    if (bins.empty())
+dmat woe_table_ycont(const dmat& bins, const dvec& missing) {
+    if (bins.empty() && missing.empty())
         return dmat(1, dvec(kWoeTableColumns, 0.0));
-    double n_total = 0.0, ny = 0.0;
+    double n_bins = 0.0, ny_bins = 0.0;
     for (const dvec& bin : bins) {
-        n_total += bin[2];
-        ny += bin[2] * bin[3];
+        n_bins += bin[2];
+        ny_bins += bin[2] * bin[3];
+    }
+    double n_total = n_bins, ny = ny_bins;
+    if (!missing.empty()) {
+        n_total += missing[2];
+        ny += missing[2] * missing[3];
     }
     const double ybar = ny / n_total;
-    double second = 0.0, within = 0.0;
-    for (const dvec& bin : bins) {
-        const double n = bin[2], m = bin[3], s = bin[4];
-        second += n * (m * m + s * s) / n_total;
-        within += n * s * s;
-    }
-    const double sy = std::sqrt(second - ybar * ybar);
+    // The one-way analysis of variance of the groups, the missing one among
+    // them: the total is the target's own spread whatever x is.
+    double within = 0.0, between = 0.0, records = 0.0;
+    auto add_group = [&](const dvec& bin) {
+        within += bin[6];
+        between += bin[2] * (bin[3] - ybar) * (bin[3] - ybar);
+        records += bin[5];
+    };
+    for (const dvec& bin : bins)
+        add_group(bin);
+    if (!missing.empty())
+        add_group(missing);
+    const double total_squares = within + between;
+    const double sy = standard_deviation_of(records, n_total, total_squares);
 
+    // The cumulative shares and their gaps describe the order of x, which the
+    // missing group has no place in.
+    const double ybar_bins = ny_bins / n_bins;
     dmat table;
     table.reserve(bins.size() + 1);
     double cn = 0.0, cy = 0.0, low = 100.0, high = -100.0;
@@ -210,15 +255,15 @@ dmat woe_table_ycont(const dmat& bins) {
         const double n = bin[2], m = bin[3], s = bin[4];
         cn += n;
         cy += n * m;
-        const double n_share = cn / n_total;
-        const double y_share = cy / (ybar * n_total);
+        const double n_share = cn / n_bins;
+        const double y_share = cy / (ybar_bins * n_bins);
         const double gap = n_share - y_share;
         low = std::min(low, gap);
         high = std::max(high, gap);
         table.push_back(
             {bin[0], bin[1], n, n_share, m, s, y_share, m * 100 / ybar, gap, low, high, 0.0});
     }
-    const double r_square = 1 - within / (sy * (n_total * sy));
+    const double r_square = between / total_squares;
     dvec closing = {0.0, 0.0, n_total, 1.0, ybar, sy, 1.0, 100.0, 0.0, low, high, r_square};
     closing_range(bins, closing);
     table.push_back(std::move(closing));
@@ -313,12 +358,19 @@ dmat ybin_bins_of(const std::vector<RankedGroup>& groups) {
     return bins;
 }
 
+dvec ycont_bin(double x_min, double x_max, double count, double weight, double sum,
+               double squares) {
+    const double mean = sum / weight;
+    const double deviations = std::max(0.0, squares / weight - mean * mean) * weight;
+    return {x_min, x_max,     weight, mean, group_standard_deviation(count, weight, sum, squares),
+            count, deviations};
+}
+
 dmat ycont_bins_of(const std::vector<RankedGroup>& groups) {
     dmat bins;
     bins.reserve(groups.size());
     for (const RankedGroup& g : groups)
-        bins.push_back({g.x_min, g.x_max, g.weight, g.y_sum / g.weight,
-                        group_standard_deviation(g.count, g.weight, g.y_sum, g.y_squares)});
+        bins.push_back(ycont_bin(g.x_min, g.x_max, g.count, g.weight, g.y_sum, g.y_squares));
     return bins;
 }
 

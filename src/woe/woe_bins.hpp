@@ -14,7 +14,10 @@ namespace zentable {
 //
 // A bin during merging is one row: for a binary target {xMin, xMax, n1, n0},
 // n1 and n0 the weight sums of y = 1 and y = 0; for a continuous target
-// {xMin, xMax, n, mean of y, standard deviation of y}. Rows run in ascending x.
+// {xMin, xMax, n, mean of y, standard deviation of y, records, weighted sum of
+// squared deviations of y about the mean}. Rows run in ascending x. The
+// records and the sum of squares let a merged bin carry its records' own
+// standard deviation rather than a pooled population figure.
 
 // Columns of a finished table (12 columns, one row per bin and a closing row).
 enum WoeTableColumn : std::size_t {
@@ -35,9 +38,20 @@ dmat woe_merge_ybin(dmat bins, double pvalue, int maxNumBins);
 // The same with the two-sample t test on the means of y.
 dmat woe_merge_ycont(dmat bins, double pvalue, int maxNumBins);
 
-// The finished tables; with no bins, one closing row of zeros.
-dmat woe_table_ybin(const dmat& bins);
-dmat woe_table_ycont(const dmat& bins);
+// The finished tables. `missing` is the group of records whose x is missing,
+// as one bin row, or empty when there is none: it counts as a bin of its own
+// in the totals, the shares, the information value and the R-square, while
+// the cumulative shares, the KS and the gaps run over the ordered bins only.
+// With neither bins nor a missing group, one closing row of zeros.
+dmat woe_table_ybin(const dmat& bins, const dvec& missing = {});
+dmat woe_table_ycont(const dmat& bins, const dvec& missing = {});
+
+// The shares of a bin with n1 and n0 in totals t1 and t0 (each with its
+// 1e-30 added), its WOE and its information value.
+struct WoeShares {
+    double r1 = 0, r0 = 0, woe = 0, info_value = 0;
+};
+WoeShares woe_shares(double n1, double n0, double t1, double t0);
 
 // The value of a present x under a finished table: only the upper edges
 // decide, the first bin is open below and the last open above. value_column
@@ -69,6 +83,9 @@ std::vector<RankedGroup> rank_x_groups(const dvec& x, const dvec& y, const dvec&
 // for a continuous one.
 dmat ybin_bins_of(const std::vector<RankedGroup>& groups);
 dmat ycont_bins_of(const std::vector<RankedGroup>& groups);
+// One continuous-target bin from its sums: records, weight sum, sum of w * y
+// and of w * y * y.
+dvec ycont_bin(double x_min, double x_max, double count, double weight, double sum, double squares);
 
 // The standard deviation of group_summary: divisor count - 1 on the weighted
 // moments, 0 for a single record.

@@ -98,6 +98,20 @@ FoundModel find_woe_model(const CellMatrix& woeModel) {
     return found;
 }
 
+// The file form reads only the columns named in xNames, so a model variable
+// left out of them is the user's list at fault, not the file.
+void require_in_x_names(const svec& model_names, const svec& x_names) {
+    for (const std::string& variable : model_names) {
+        if (std::find(x_names.begin(), x_names.end(), variable) != x_names.end())
+            continue;
+        std::string all;
+        for (const std::string& name : model_names)
+            all += (all.empty() ? "" : ", ") + name;
+        throw "Input variable " + variable + " is not among xNames (the model's variables: " + all +
+            ")";
+    }
+}
+
 }  // namespace
 
 CellMatrix woe_transform(const CellMatrix& woeModel, const CellMatrix& inputData) {
@@ -117,6 +131,7 @@ CellMatrix woe_transform_from_file(const CellMatrix& woeModel, const CellMatrix&
     const char separator = read_delimiter(delimiter);
     const svec names =
         read_file_variable_names(xNames, "Error: variable names (xNames) are missing");
+    require_in_x_names(model.xcont() ? model.xcont()->names : model.xcat()->names, names);
     CellMatrix table;
     if (const WoeXcontBinning* binning = model.xcont())
         table = transform_numbers(*binning, model.value_column(),

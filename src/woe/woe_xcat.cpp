@@ -111,10 +111,14 @@ std::vector<WoeXcatBins> xcat_bins(const std::vector<svec>& x, const dvec& y, Ma
     return out;
 }
 
+// An empty cell is a category of its own; it is named so that the joined
+// labels show it rather than a stray comma.
+constexpr const char* kEmptyLabel = "(empty)";
+
 std::string joined(const svec& labels) {
     std::string out;
     for (std::size_t i = 0; i < labels.size(); ++i)
-        out += (i ? "," : "") + labels[i];
+        out += (i ? "," : "") + (labels[i].empty() ? std::string(kEmptyLabel) : labels[i]);
     return out;
 }
 
@@ -246,7 +250,8 @@ std::vector<WoeXcatBins> woe_bins_xcat_ybin(const std::vector<svec>& x, const dv
         [](double i, const Category& c) {
             return dvec{i, i, c.sum, c.count - c.sum};
         },
-        [&](const dmat& bins) { return woe_merge_ybin(bins, pvalue, maxNumBins); }, woe_table_ybin);
+        [&](const dmat& bins) { return woe_merge_ybin(bins, pvalue, maxNumBins); },
+        [](const dmat& bins) { return woe_table_ybin(bins); });
 }
 
 std::vector<WoeXcatBins> woe_bins_xcat_ycont(const std::vector<svec>& x, const dvec& y,
@@ -254,11 +259,10 @@ std::vector<WoeXcatBins> woe_bins_xcat_ycont(const std::vector<svec>& x, const d
     return xcat_bins(
         x, y,
         [](double i, const Category& c) {
-            return dvec{i, i, c.count, c.sum / c.count,
-                        group_standard_deviation(c.count, c.count, c.sum, c.squares)};
+            return ycont_bin(i, i, c.count, c.count, c.sum, c.squares);
         },
         [&](const dmat& bins) { return woe_merge_ycont(bins, pvalue, maxNumBins); },
-        woe_table_ycont);
+        [](const dmat& bins) { return woe_table_ycont(bins); });
 }
 
 double woe_apply_xcat(const WoeXcatBinning& model, std::size_t variable, std::size_t value_column,

@@ -58,7 +58,7 @@ void for_each_variable(std::size_t variables, std::size_t records, Work work) {
 // kept from one variable to the next.
 struct Working {
     dvec x, y, w;
-    double missing_count = 0, missing_weight = 0, missing_y = 0;
+    double missing_count = 0, missing_weight = 0, missing_y = 0, missing_y_squares = 0;
     GroupScratch scratch;
 };
 
@@ -69,7 +69,7 @@ void working_data(const FlaggedColumns& columns, std::size_t j, const dvec& y, c
     out.x.clear();
     out.y.clear();
     out.w.clear();
-    out.missing_count = out.missing_weight = out.missing_y = 0;
+    out.missing_count = out.missing_weight = out.missing_y = out.missing_y_squares = 0;
     out.x.reserve(columns.records);
     out.y.reserve(columns.records);
     out.w.reserve(columns.records);
@@ -84,14 +84,30 @@ void working_data(const FlaggedColumns& columns, std::size_t j, const dvec& y, c
             out.missing_count += 1;
             out.missing_weight += w[i];
             out.missing_y += w[i] * y[i];
+            out.missing_y_squares += w[i] * y[i] * y[i];
         }
     }
 }
 
-template <class MakeBins, class Merge, class Table>
+// The missing group as a bin row of each target kind; empty when no record
+// has x missing.
+dvec ybin_missing_bin(const WoeXcontBins& b) {
+    if (b.missing_count == 0)
+        return {};
+    return {0.0, 0.0, b.missing_y, b.missing_weight - b.missing_y};
+}
+
+dvec ycont_missing_bin(const WoeXcontBins& b) {
+    if (b.missing_count == 0)
+        return {};
+    return ycont_bin(0.0, 0.0, b.missing_count, b.missing_weight, b.missing_y, b.missing_y_squares);
+}
+
+template <class MakeBins, class MissingBin, class Merge, class Table>
 std::vector<WoeXcontBins> bins_of_all(const FlaggedColumns& x, const dvec& y, const dvec& w,
                                       const bvec& yw_present, int initialNumBins,
-                                      MakeBins make_bins, Merge merge, Table table) {
+                                      MakeBins make_bins, MissingBin missing_bin, Merge merge,
+                                      Table table) {
     std::vector<WoeXcontBins> out(x.names.size());
     Working working[2];
     for_each_variable(x.names.size(), x.records, [&](std::size_t j, int slot) {
@@ -101,10 +117,12 @@ std::vector<WoeXcontBins> bins_of_all(const FlaggedColumns& x, const dvec& y, co
         result.missing_count = data.missing_count;
         result.missing_weight = data.missing_weight;
         result.missing_y = data.missing_y;
+        result.missing_y_squares = data.missing_y_squares;
+        const dvec missing = missing_bin(result);
         const dmat bins =
             make_bins(rank_x_groups(data.x, data.y, data.w, initialNumBins, data.scratch));
-        result.initial = table(bins);
-        result.merged = table(merge(bins));
+        result.initial = table(bins, missing);
+        result.merged = table(merge(bins), missing);
     });
     return out;
 }
@@ -198,6 +216,14 @@ void write_bins(CellMatrix& r, std::size_t row, const dmat& table, std::size_t l
     }
 }
 
+// The missing group's shares in the totals of the merged table, which count
+// it as a bin of its own.
+WoeShares missing_shares(const WoeXcontBins& b) {
+    const dvec& closing = b.merged.back();
+    const double m1 = b.missing_y, m0 = b.missing_weight - m1;
+    return woe_shares(m1, m0, closing[3] + kTiny, closing[5] + kTiny);
+}
+
 std::size_t block_rows(const WoeXcontBins& bins) {
     return 2 + (bins.merged.size() - 1) + (bins.missing_count > 0 ? 1 : 0) + 1;
 }
@@ -236,17 +262,18 @@ std::vector<WoeXcontBins> woe_bins_ybin(const FlaggedColumns& x, const dvec& y, 
                                         const bvec& yw_present, int initialNumBins, double pvalue,
                                         int maxNumBins) {
     return bins_of_all(
-        x, y, w, yw_present, initialNumBins, ybin_bins_of,
-        [&](const dmat& bins) { return woe_merge_ybin(bins, pvalue, maxNumBins); }, woe_table_ybin);
+        x, y, w, yw_present, initialNumBins, ybin_bins_of, ybin_missing_bin,
+        [&](const dmat& bins) { return woe_merge_ybin(bins, pvalue, maxNumBins); },
+        [](const dmat& bins, const dvec& missing) { return woe_table_ybin(bins, missing); });
 }
 
 std::vector<WoeXcontBins> woe_bins_ycont(const FlaggedColumns& x, const dvec& y, const dvec& w,
                                          const bvec& yw_present, int initialNumBins, double pvalue,
                                          int maxNumBins) {
     return bins_of_all(
-        x, y, w, yw_present, initialNumBins, ycont_bins_of,
+        x, y, w, yw_present, initialNumBins, ycont_bins_of, ycont_missing_bin,
         [&](const dmat& bins) { return woe_merge_ycont(bins, pvalue, maxNumBins); },
-        woe_table_ycont);
+        [](const dmat& bins, const dvec& missing) { return woe_table_ycont(bins, missing); });
 }
 
 CellMatrix woe_xcont_ybin_run(const WoeData& data, const WoeArgs& args, const std::string& title) {
@@ -277,11 +304,8 @@ CellMatrix woe_xcont_ybin_run(const WoeData& data, const WoeArgs& args, const st
     for (std::size_t j = 0; j < p; ++j) {
         const WoeXcontBins& b = bins[j];
         tables.push_back(b.merged);
-        const dvec& closing = b.merged.back();
-        const double m1 = b.missing_y, m0 = b.missing_weight - m1;
         if (args.min_records <= b.missing_count)
-            missing_values[j] =
-                std::log((m1 / (closing[3] + kTiny) + kTiny) / (m0 / (closing[5] + kTiny) + kTiny));
+            missing_values[j] = missing_shares(b).woe;
     }
     const handle_c<woeXcontYbinModel> model(
         new woeXcontYbinModel(data.x.names, tables, missing_values));
@@ -338,14 +362,15 @@ CellMatrix woe_xcont_ybin_run(const WoeData& data, const WoeArgs& args, const st
         row += 2 + table.size() - 1;
         if (bins[j].missing_count > 0) {
             const double m1 = bins[j].missing_y, m0 = bins[j].missing_weight - m1;
-            const double r1 = m1 / (closing[3] + kTiny), r0 = m0 / (closing[5] + kTiny);
+            const WoeShares s = missing_shares(bins[j]);
             r(row, 0) = "Missing";
             r(row, 3) = m1 + m0;
             r(row, 4) = m1;
             r(row, 6) = m0;
-            r(row, 8) = r1 * 100 / (r0 + kTiny);
+            r(row, 8) = s.r1 * 100 / (s.r0 + kTiny);
             r(row, 9) = m1 / (m1 + m0 + kTiny);
-            r(row, 10) = std::log((r1 + kTiny) / (r0 + kTiny));
+            r(row, 10) = s.woe;
+            r(row, 11) = s.info_value;
             ++row;
         }
         r(row, 0) = "Total";
@@ -407,6 +432,7 @@ CellMatrix woe_xcont_ycont_run(const WoeData& data, const WoeArgs& args, const s
             r(row, 0) = "Missing";
             r(row, 3) = bins[j].missing_weight;
             r(row, 5) = mean;
+            r(row, 6) = ycont_missing_bin(bins[j])[4];
             r(row, 8) = mean * 100 / closing[kWoeMeanY];
             ++row;
         }

@@ -47,11 +47,12 @@ WoeArgs read_woe_args(const CellMatrix& initialNumBins, const CellMatrix& pvalue
                       const CellMatrix& maxNumBins, const CellMatrix& minNumRecords);
 
 // One variable binned: the tables of the initial and of the merged bins, and
-// the group of records whose x is missing (count, weight sum, sum of w * y).
+// the group of records whose x is missing (count, weight sum, sums of w * y
+// and of w * y * y).
 struct WoeXcontBins {
     dmat initial;
     dmat merged;
-    double missing_count = 0, missing_weight = 0, missing_y = 0;
+    double missing_count = 0, missing_weight = 0, missing_y = 0, missing_y_squares = 0;
 };
 
 // Per variable, over the records whose y and weight are present

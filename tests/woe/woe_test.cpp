@@ -65,7 +65,7 @@ TEST(WoeXcont, GroupingEqualsRankGroupsAndGroupSummary) {
 
 TEST(WoeXcont, EqualMeansMergeBelowPvalueOne) {
     // Equal means give the pair p 1: any pvalue below 1 merges them.
-    const dmat equal = {{1, 2, 3, 5, 1}, {3, 4, 3, 5, 2}};
+    const dmat equal = {{1, 2, 3, 5, 1, 3, 2}, {3, 4, 3, 5, 2, 3, 8}};
     EXPECT_EQ(woe_merge_ycont(equal, 0.99, 100).size(), 1u);
     EXPECT_EQ(woe_merge_ycont(equal, 1.0, 100).size(), 2u);
 }
