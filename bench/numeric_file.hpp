@@ -40,6 +40,22 @@ inline const std::string& binary_file_1e6x20() {
     return path;
 }
 
+// The same shape with a y of three text classes, for the classifiers, or
+// named by ZENTABLE_BENCH_CLASSES_FILE.
+inline const std::string& classes_file_1e6x20() {
+    static const std::string path = [] {
+        const char* given = std::getenv("ZENTABLE_BENCH_CLASSES_FILE");
+        const std::string p = given ? given : "bench_classes_1e6x20.csv";
+        if (!std::ifstream(p)) {
+            const std::string command = "./make_numeric_file " + p + " 1000000 20 20261123 classes";
+            if (std::system(command.c_str()) != 0)
+                std::abort();
+        }
+        return p;
+    }();
+    return path;
+}
+
 // Its x names, x1 to x20, in one row of cells.
 inline CellMatrix x_names_1e6x20() {
     CellMatrix names(1, 20);

@@ -1,14 +1,21 @@
 #include "commands/catalogue.hpp"
 #include "commands/utility.hpp"
+#include "learners/discriminant.hpp"
+#include "learners/naive_bayes.hpp"
 #include "models/model_eval.hpp"
 #include "models/scoring.hpp"
+#include "multivariate/k_means.hpp"
 #include "multivariate/kaplan_meier.hpp"
+#include "multivariate/pca.hpp"
+#include "multivariate/scaling.hpp"
 #include "numeric/latin_hypercube.hpp"
 #include "numeric/matrix_random.hpp"
 #include "numeric/prob_functions.hpp"
 #include "numeric/sequences.hpp"
+#include "optimisation/function_eval.hpp"
 #include "optimisation/lcp.hpp"
 #include "optimisation/linear_prog.hpp"
+#include "optimisation/netflow.hpp"
 #include "regression/forward_select.hpp"
 #include "regression/linear_reg.hpp"
 #include "regression/linear_reg_variants.hpp"
@@ -24,6 +31,9 @@
 #include "timeseries/adf_test.hpp"
 #include "timeseries/box_test.hpp"
 #include "timeseries/correlograms.hpp"
+#include "timeseries/filters.hpp"
+#include "timeseries/holt_winters.hpp"
+#include "timeseries/lowess.hpp"
 #include "timeseries/mann_kendall.hpp"
 #include "trees/tree.hpp"
 #include "trees/tree_boosting.hpp"
@@ -631,15 +641,15 @@ const std::vector<FunctionInfo>& catalogue() {
                  command<&woe_transform_from_file>()),
 
         // Principal components and factors
-        function(
-            "PCA",
-            "Finds the principal components of data or of a covariance or correlation matrix",
-            {oper("inputData",
-                  "Table of numbers, with or without variable names in the first row, or a "
-                  "square matrix"),
-             oper("covOrCorr",
-                  "COV to analyse the covariance matrix, CORR the correlation matrix, MATRIX "
-                  "the input itself. Optional: omit for the covariance matrix. Default: COV")}),
+        function("PCA",
+                 "Finds the principal components of data or of a covariance or correlation matrix",
+                 {oper("inputData",
+                       "Table of numbers, with or without variable names in the first row, or a "
+                       "square matrix"),
+                  oper("covOrCorr",
+                       "COV to analyse the covariance matrix, CORR the correlation matrix, MATRIX "
+                       "the input itself. Optional: omit for the covariance matrix. Default: COV")},
+                 command<&PCA>()),
         function(
             "factor_analysis",
             "Extracts principal factors of data or of a covariance or correlation matrix, with "
@@ -651,7 +661,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   "Number of factors, a positive integer not above the number of variables"),
              oper("covOrCorr",
                   "COV to analyse the covariance matrix, CORR the correlation matrix, MATRIX "
-                  "the input itself. Optional: omit for the covariance matrix. Default: COV")}),
+                  "the input itself. Optional: omit for the covariance matrix. Default: COV")},
+            command<&factor_analysis>()),
 
         // Linear regression
         function("linear_reg",
@@ -834,10 +845,12 @@ const std::vector<FunctionInfo>& catalogue() {
                        "Default: 1"),
                   oper("order",
                        "Number of times to difference, a positive integer. Optional: omit for 1. "
-                       "Default: 1")}),
+                       "Default: 1")},
+                 command<&ts_diff>()),
         function(
             "ts_sma", "Computes the simple moving average of a series",
-            {oper("x", kSeries), oper("n", "Number of points in the average, a positive integer")}),
+            {oper("x", kSeries), oper("n", "Number of points in the average, a positive integer")},
+            command<&ts_sma>()),
         function(
             "lowess", "Smooths y against x by locally weighted polynomial regression",
             {oper("x", "Column of the x values with its name in the first cell"),
@@ -850,7 +863,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   "omit for 2/3. Default: 0.6666666666666666"),
              oper("degree",
                   "Degree of the local polynomials: 0 a moving average, 1 locally linear, 2 "
-                  "locally quadratic. Optional: omit for 1. Default: 1")}),
+                  "locally quadratic. Optional: omit for 1. Default: 1")},
+            command<&lowess>()),
         function(
             "natural_cubic_spline", "Interpolates between knots by a natural cubic spline",
             {oper("xKnots", "Column of the x values of the knots with its name in the first cell"),
@@ -859,7 +873,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   "in the first cell"),
              oper("x",
                   "Column of the x values to interpolate at, with its name in the first "
-                  "cell")}),
+                  "cell")},
+            command<&natural_cubic_spline>()),
         function("garch",
                  "Fits a GARCH(1, 1) model of the variance of returns by maximum likelihood",
                  {oper("returns", "Column of returns with its name in the first cell"),
@@ -908,7 +923,8 @@ const std::vector<FunctionInfo>& catalogue() {
                        "none"),
                   oper("force",
                        "1 falls back to a simpler type when no stable fit is found, 0 fails. "
-                       "Optional: omit to fail. Default: 0")}),
+                       "Optional: omit to fail. Default: 0")},
+                 command<&Holt_Winters>()),
         function("Holt_Winters_forecast",
                  "Smooths and forecasts a series by Holt-Winters smoothing with given parameters",
                  {oper("x",
@@ -925,10 +941,12 @@ const std::vector<FunctionInfo>& catalogue() {
                        "0. Default: 0"),
                   oper("excludeList",
                        "Numbers that mark missing values in x. Optional: omit for none. Default: "
-                       "none")}),
+                       "none")},
+                 command<&Holt_Winters_forecast>()),
         function(
             "HP_filter", "Splits a series into trend and cycle by the Hodrick-Prescott filter",
-            {oper("x", kSeries), oper("lambda", "Smoothing constant of the trend, non-negative")}),
+            {oper("x", kSeries), oper("lambda", "Smoothing constant of the trend, non-negative")},
+            command<&HP_filter>()),
         function("arima",
                  "Fits an ARIMA model to a series by conditional least squares, with standard "
                  "errors and forecasts",
@@ -1045,21 +1063,26 @@ const std::vector<FunctionInfo>& catalogue() {
                        "Number of earlier points to compare with, an integer larger than 1"),
                   oper("numStdDev",
                        "Number of standard deviations beyond which a point is an outlier, "
-                       "positive")}),
+                       "positive")},
+                 command<&detect_outlier>()),
 
         // Classifiers and survival
         function(
             "LDA",
-            "Fits a linear discriminant analysis of the classes of y on numeric x, and files "
-            "the model",
+            "Fits a linear discriminant analysis of the classes of y on numeric x, with the "
+            "pooled within-class covariance (divisor: weight sum less the number of classes) and "
+            "priors the weighted class proportions, and files the model",
             {oper("x", kX), oper("y", "Column of the class labels with its name in the first cell"),
-             oper("weight", kWeight)}),
+             oper("weight", kWeight)},
+            command<&LDA>()),
         function(
             "QDA",
-            "Fits a quadratic discriminant analysis of the classes of y on numeric x, and "
-            "files the model",
+            "Fits a quadratic discriminant analysis of the classes of y on numeric x, with one "
+            "covariance per class (divisor: the class's weight sum less 1) and priors the "
+            "weighted class proportions, and files the model",
             {oper("x", kX), oper("y", "Column of the class labels with its name in the first cell"),
-             oper("weight", kWeight)}),
+             oper("weight", kWeight)},
+            command<&QDA>()),
         function("Kaplan_Meier",
                  "Estimates the survival function by the Kaplan-Meier method, with confidence "
                  "limits and points for plotting",
@@ -1086,7 +1109,10 @@ const std::vector<FunctionInfo>& catalogue() {
                        "omit for 2. Default: 2")}),
         function("naive_bayes_classifier",
                  "Fits a naive Bayes classifier of the classes of y on numeric and categorical x, "
-                 "and files the model",
+                 "and files the model. Priors are the weighted class proportions; a normal "
+                 "density takes each class's weighted mean and variance (divisor: the class's "
+                 "weight sum less 1); counts of values get add-one (Laplace) smoothing, so that a "
+                 "value unseen in a class never rules it out",
                  {oper("x",
                        "Table of x variables with their names in the first row; a column whose "
                        "first value is text is categorical"),
@@ -1095,17 +1121,20 @@ const std::vector<FunctionInfo>& catalogue() {
                        "How numeric x enter: GAUSSIAN for a normal density in each class, "
                        "CATEGORICAL for counts of their values. Optional: omit for normal "
                        "densities. Default: GAUSSIAN"),
-                  oper("weight", kWeight)}),
+                  oper("weight", kWeight)},
+                 command<&naive_bayes_classifier>()),
         function("naive_bayes_classifier_from_file",
                  "Fits a naive Bayes classifier of the classes of y on variables of a delimited "
-                 "data file, and files the model",
+                 "data file, as naive_bayes_classifier does, and files the model; the first "
+                 "record says which variables are numeric",
                  {oper("filename", kFilename), oper("xNames", kXNames),
                   oper("yName", "Name of the class variable in the file"),
                   oper("model",
                        "How numeric x enter: GAUSSIAN for a normal density in each class, "
                        "CATEGORICAL for counts of their values. Optional: omit for normal "
                        "densities. Default: GAUSSIAN"),
-                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)}),
+                  oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
+                 command<&naive_bayes_classifier_from_file>()),
 
         // Trees
         function("tree", "Grows a regression or classification tree, and files the model",
@@ -1156,7 +1185,8 @@ const std::vector<FunctionInfo>& catalogue() {
                        "Default: 100"),
                   oper("showAssignments",
                        "1 lists the cluster of each record, 0 does not. Optional: omit to leave "
-                       "them out. Default: 0")}),
+                       "them out. Default: 0")},
+                 command<&k_means>()),
         function("k_means_from_file",
                  "Partitions the records of a delimited data file into clusters by the k-means "
                  "method",
@@ -1168,11 +1198,13 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("delimiter", kDelimiter),
                   oper("showAssignments",
                        "1 lists the cluster of each record, 0 does not. Optional: omit to leave "
-                       "them out. Default: 0")}),
+                       "them out. Default: 0")},
+                 command<&k_means_from_file>()),
         function("cmds",
                  "Places points in a space of few dimensions by classical multidimensional scaling",
                  {oper("distanceMatrix", "Square matrix of the distances between the points"),
-                  oper("dim", "Number of dimensions of the result, a positive integer")}),
+                  oper("dim", "Number of dimensions of the result, a positive integer")},
+                 command<&cmds>()),
         function("mds",
                  "Places points in a space of few dimensions by iterative multidimensional scaling",
                  {oper("distanceMatrix", "Square matrix of the distances between the points"),
@@ -1180,7 +1212,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("maxIteration", "Number of iterations, a positive integer"),
                   oper("seed",
                        "Seed of the random start, a non-negative integer; 0 uses the timer. "
-                       "Optional: omit for the timer. Default: 0")}),
+                       "Optional: omit for the timer. Default: 0")},
+                 command<&mds>()),
 
         // Neural network and support vector machine
         function(
@@ -1371,19 +1404,22 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("nodeNetSupplies",
                        "Net supply of nodes, outflow less inflow, in 2 columns: node, net supply. "
                        "Optional: omit for none. Default: 0 for every node"),
-                  oper("minOrMax", kMinOrMax)}),
+                  oper("minOrMax", kMinOrMax)},
+                 command<&netflow_solver>()),
         function(
             "maxflow_solver",
             "Finds the largest flow from a start node to an end node of a network",
             {oper("arcCapacity",
                   "One row per arc in 4 columns: from node, to node, lower bound, upper bound"),
              oper("startNode", "Node where the flow starts"),
-             oper("endNode", "Node where the flow ends")}),
+             oper("endNode", "Node where the flow ends")},
+            command<&maxflow_solver>()),
         function("shortest_path_solver",
                  "Finds the shortest path from a start node to an end node of a network",
                  {oper("arcDistance", "One row per arc in 3 columns: from node, to node, distance"),
                   oper("startNode", "Node where the path starts"),
-                  oper("endNode", "Node where the path ends")}),
+                  oper("endNode", "Node where the path ends")},
+                 command<&shortest_path_solver>()),
         function(
             "efficient_frontier", "Traces the mean-variance efficient frontier of a set of assets",
             {oper("expectedReturns", "Expected return of each asset, in one row or one column"),
@@ -1606,12 +1642,14 @@ const std::vector<FunctionInfo>& catalogue() {
         function("integral", "Integrates a function of one variable between two bounds",
                  {oper("func", "Expression of the function of one variable, in one column"),
                   oper("from", "Lower bound of the integral"),
-                  oper("to", "Upper bound of the integral")}),
+                  oper("to", "Upper bound of the integral")},
+                 command<&integral>()),
         function("function_eval", "Evaluates an expression at each row of a table of arguments",
                  {oper("func", kFunc),
                   oper("x",
                        "Table of the arguments with the variable names in the first row, one row "
-                       "per evaluation")}),
+                       "per evaluation")},
+                 command<&function_eval>()),
         function("prime_numbers", "Lists the first prime numbers",
                  {oper("numPrimeNumbers", "Number of primes to list, a positive integer")},
                  command<&prime_numbers>()),

@@ -683,28 +683,49 @@ MixedTable read_whole_table(const std::string& filename, char delimiter) {
 
 ClassAndNumbers read_two_name_lists(const std::string& filename, const svec& class_names,
                                     const svec& x_names, char delimiter) {
-    DataFile file(filename, delimiter);
-    const std::vector<std::size_t> class_columns = file.columns_of(class_names);
-    const std::vector<std::size_t> x_columns = file.columns_of(x_names);
+    std::vector<std::size_t> class_columns, x_columns;
+    {
+        const DataFile file(filename, delimiter);
+        class_columns = file.columns_of(class_names);
+        x_columns = file.columns_of(x_names);
+    }
     const std::size_t needed = std::max(largest(class_columns), largest(x_columns));
-    ClassAndNumbers out;
-    for (long long line = 1; file.next(delimiter, needed, line); ++line) {
-        svec classes;
-        classes.reserve(class_columns.size());
-        for (std::size_t column : class_columns)
-            classes.push_back(trimmed(file.fields[column]));
-        dvec x(x_columns.size());
-        bool complete = true;
-        for (std::size_t j = 0; j < x_columns.size(); ++j) {
-            const std::string_view field = file.fields[x_columns[j]];
-            if (!parse_number(field, x[j])) {
-                x[j] = atof_of(field);
-                complete = false;
-            }
+    struct Part : Stretch {
+        ClassAndNumbers records;
+
+        void expect(std::size_t count) {
+            for (svec& column : records.classes)
+                column.reserve(count);
+            records.x.reserve(count);
+            records.valid.reserve(count);
         }
-        out.classes.push_back(std::move(classes));
-        out.x.push_back(std::move(x));
-        out.valid.push_back(complete);
+    };
+    Part empty_part;
+    empty_part.records.classes.resize(class_columns.size());
+    std::vector<Part> parts =
+        read_records(filename, delimiter, needed, empty_part,
+                     [&](const std::vector<std::string_view>& fields, Part& part) {
+                         for (std::size_t c = 0; c < class_columns.size(); ++c)
+                             part.records.classes[c].push_back(trimmed(fields[class_columns[c]]));
+                         dvec x(x_columns.size());
+                         bool complete = true;
+                         for (std::size_t j = 0; j < x_columns.size(); ++j) {
+                             const std::string_view field = fields[x_columns[j]];
+                             if (!parse_number(field, x[j])) {
+                                 x[j] = atof_of(field);
+                                 complete = false;
+                             }
+                         }
+                         part.records.x.push_back(std::move(x));
+                         part.records.valid.push_back(complete);
+                     });
+    ClassAndNumbers out = std::move(parts[0].records);
+    for (std::size_t i = 1; i < parts.size(); ++i) {
+        for (std::size_t c = 0; c < class_columns.size(); ++c)
+            append_moved(out.classes[c], parts[i].records.classes[c]);
+        append_moved(out.x, parts[i].records.x);
+        out.valid.insert(out.valid.end(), parts[i].records.valid.begin(),
+                         parts[i].records.valid.end());
     }
     return out;
 }

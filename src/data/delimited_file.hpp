@@ -102,9 +102,9 @@ MixedTable read_whole_table(const std::string& filename, char delimiter);
 std::vector<svec> read_field_table(const std::string& filename, const svec& names, char delimiter,
                                    long long record_limit = 0);
 
-// Class variables as text columns and x variables as numbers, record by record.
+// Class variables as text columns and x variables as numbers, in one pass.
 struct ClassAndNumbers {
-    std::vector<svec> classes;  // one row per record, one text per class name
+    std::vector<svec> classes;  // one column per class name, one text per record
     dmat x;                     // one row per record
     bvec valid;                 // false where an x field is not a number
 };

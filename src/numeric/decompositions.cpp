@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "numeric/one_based.hpp"
+#include "xlw/cell_matrix.hpp"
 
 namespace zentable {
 
@@ -539,6 +540,14 @@ dvec tridiagonalMatrixSolver(const dvec& lower, const dvec& diagonal, const dvec
     return x;
 }
 
+dvec huge_page_vector(std::size_t n, double value) {
+    dvec v;
+    v.reserve(n);
+    prefer_huge_pages(v.data(), n * sizeof(double));
+    v.assign(n, value);
+    return v;
+}
+
 dvec pentagonalMatrixSolver(const dvec& lower2, const dvec& lower1, const dvec& diagonal,
                             const dvec& upper1, const dvec& upper2, const dvec& rhs) {
     const int n = static_cast<int>(diagonal.size());
@@ -550,12 +559,16 @@ dvec pentagonalMatrixSolver(const dvec& lower2, const dvec& lower1, const dvec& 
               "pentagonalMatrixSolver";
     // Row i keeps its entries at columns i - 2 to i + 2 in band[i][0..4].
     // Without pivoting nothing fills in outside the band.
-    std::vector<std::array<double, 5>> band(n);
+    std::vector<std::array<double, 5>> band;
+    band.reserve(static_cast<std::size_t>(n));
+    prefer_huge_pages(band.data(), static_cast<std::size_t>(n) * sizeof band[0]);
+    band.resize(static_cast<std::size_t>(n));
     for (int i = 0; i < n; ++i) {
         band[i] = {i >= 2 ? lower2[i - 2] : 0.0, i >= 1 ? lower1[i - 1] : 0.0, diagonal[i],
                    i < n - 1 ? upper1[i] : 0.0, i < n - 2 ? upper2[i] : 0.0};
     }
-    dvec b = rhs;
+    dvec b = huge_page_vector(rhs.size(), 0.0);
+    std::copy(rhs.begin(), rhs.end(), b.begin());
     for (int k = 0; k < n - 1; ++k) {
         const double pivot = band[k][2];
         for (int i = k + 1; i <= std::min(k + 2, n - 1); ++i) {
@@ -568,7 +581,7 @@ dvec pentagonalMatrixSolver(const dvec& lower2, const dvec& lower1, const dvec& 
             b[i] -= f * b[k];
         }
     }
-    dvec x(n);
+    dvec x = huge_page_vector(static_cast<std::size_t>(n), 0.0);
     for (int i = n - 1; i >= 0; --i) {
         double s = b[i];
         for (int j = i + 1; j <= std::min(i + 2, n - 1); ++j)

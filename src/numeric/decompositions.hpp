@@ -60,6 +60,11 @@ dvec tridiagonalMatrixSolver(const dvec& lower, const dvec& diagonal, const dvec
 // Solves the pentadiagonal system with bands lower2 (n - 2), lower1 (n - 1),
 // diagonal (n), upper1 (n - 1), upper2 (n - 2) and right side `rhs` (n) by band
 // elimination without pivoting; n must be at least 3.
+// A vector of n copies of value whose memory is asked for huge pages before
+// it is touched: the banded solvers run over series of millions of points,
+// where small pages cost more in faults than the elimination does.
+dvec huge_page_vector(std::size_t n, double value);
+
 dvec pentagonalMatrixSolver(const dvec& lower2, const dvec& lower1, const dvec& diagonal,
                             const dvec& upper1, const dvec& upper2, const dvec& rhs);
 

@@ -15,7 +15,7 @@ struct MersenneTwister::Engine {
 namespace {
 
 unsigned long seed_or_timer(unsigned long seed) {
-    return seed > 0 ? seed : QuantLib::SeedGenerator::instance().get();
+    return seed > 0 ? seed : timer_seed();
 }
 
 }  // namespace
@@ -38,6 +38,23 @@ double uniform_draw(MersenneTwister& generator) {
 
 double normal_draw(MersenneTwister& generator) {
     return normal_inv(uniform_draw(generator));
+}
+
+unsigned long timer_seed() {
+    return QuantLib::SeedGenerator::instance().get();
+}
+
+namespace {
+std::uint32_t rand15_state = 1;
+}  // namespace
+
+void seed_rand15(std::uint32_t seed) {
+    rand15_state = seed;
+}
+
+int rand15() {
+    rand15_state = rand15_state * 214013u + 2531011u;
+    return static_cast<int>((rand15_state >> 16) & 0x7FFFu);
 }
 
 }  // namespace zentable

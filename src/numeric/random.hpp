@@ -32,4 +32,17 @@ double uniform_draw(MersenneTwister& generator);
 // The standard normal quantile of the next uniform_draw.
 double normal_draw(MersenneTwister& generator);
 
+// A seed from the process-wide seed generator that a seed of 0 stands for,
+// for commands that must hand one timer seed to more than one generator.
+unsigned long timer_seed();
+
+// The 15-bit linear congruential generator behind every srand and rand of
+// the commands (the k-means start, the mds shuffles, the neural network's
+// weights): one process-wide state, set by seed_rand15,
+// stepped as state * 214013 + 2531011 modulo 2^32 by rand15, which returns
+// bits 16 to 30. Its range 0 to 32767 is what their scales rest on, and it
+// draws the same numbers on every platform, unlike the C library's rand.
+void seed_rand15(std::uint32_t seed);
+int rand15();
+
 }  // namespace zentable

@@ -1,5 +1,6 @@
 #include "regression/weighted_regression.hpp"
 
+#include <array>
 #include <cmath>
 #include <cstddef>
 
@@ -15,49 +16,56 @@ double safe_sd(double sd) {
     return sd > 1e-8 ? sd : 1.0;
 }
 
-// Both passes walk the records in order, so each sum adds in record order.
-// A null y skips the y sums; a null weight weighs every record 1.0, which
-// gives the same sums as a weight vector of ones.
-Moments central_moments(const dmat& x, const dvec* y, const dvec* weight) {
-    const std::size_t n = x.size();
-    const std::size_t p = n ? x[0].size() : 0;
-    Moments m;
-    m.x_mean.assign(p, 0.0);
+struct OneVariableSums {
+    double sum_weight, x_mean, y_mean, sxx, sxy, syy;
+};
 
-    double sum_wy = 0.0;
-    for (std::size_t r = 0; r < n; ++r) {
-        const double w = weight ? (*weight)[r] : 1.0;
-        const double* row = x[r].data();
-        m.sum_weight += w;
-        for (std::size_t j = 0; j < p; ++j)
-            m.x_mean[j] += w * row[j];
-        if (y)
-            sum_wy += w * (*y)[r];
-    }
-    for (std::size_t j = 0; j < p; ++j)
-        m.x_mean[j] /= m.sum_weight;
-    m.y_mean = sum_wy / m.sum_weight;
-
-    // Upper triangle of the central cross-products, row-major in one block.
-    dvec sxx(p * p, 0.0), sxy(p, 0.0), d(p);
-    double syy = 0.0;
-    const double* mean = m.x_mean.data();
-    for (std::size_t r = 0; r < n; ++r) {
-        const double w = weight ? (*weight)[r] : 1.0;
-        const double* row = x[r].data();
-        for (std::size_t j = 0; j < p; ++j)
-            d[j] = row[j] - mean[j];
-        const double dy = y ? (*y)[r] - m.y_mean : 0.0;
-        for (std::size_t i = 0; i < p; ++i) {
-            const double wd = w * d[i];
-            double* s = &sxx[i * p];
-            for (std::size_t j = i; j < p; ++j)
-                s[j] += wd * d[j];
-            sxy[i] += wd * dy;
+// One weighted variable, as every local line of a smoother is: the sums of
+// central_moments in the same order, kept in registers. Each of the L lanes
+// weighs the same records by its own weights (lane k's weight of record r at
+// w[k][r - begin]); independent lanes let the additions overlap, while each
+// lane's sums still add in record order.
+template <std::size_t L, class X>
+std::array<OneVariableSums, L> one_variable_sums(X x, const dvec& y,
+                                                 const std::array<const double*, L>& w,
+                                                 std::size_t begin, std::size_t end) {
+    std::array<double, L> sum_w{}, sum_wx{}, sum_wy{};
+    for (std::size_t r = begin; r < end; ++r) {
+        const double xr = x(r), yr = y[r];
+        for (std::size_t k = 0; k < L; ++k) {
+            const double wr = w[k][r - begin];
+            sum_w[k] += wr;
+            sum_wx[k] += wr * xr;
+            sum_wy[k] += wr * yr;
         }
-        syy += w * dy * dy;
     }
+    std::array<double, L> mean, y_mean, s_xx{}, s_xy{}, s_yy{};
+    for (std::size_t k = 0; k < L; ++k) {
+        mean[k] = sum_wx[k] / sum_w[k];
+        y_mean[k] = sum_wy[k] / sum_w[k];
+    }
+    for (std::size_t r = begin; r < end; ++r) {
+        const double xr = x(r), yr = y[r];
+        for (std::size_t k = 0; k < L; ++k) {
+            const double wr = w[k][r - begin];
+            const double d = xr - mean[k];
+            const double dy = yr - y_mean[k];
+            const double wd = wr * d;
+            s_xx[k] += wd * d;
+            s_xy[k] += wd * dy;
+            s_yy[k] += wr * dy * dy;
+        }
+    }
+    std::array<OneVariableSums, L> out;
+    for (std::size_t k = 0; k < L; ++k)
+        out[k] = {sum_w[k], mean[k], y_mean[k], s_xx[k], s_xy[k], s_yy[k]};
+    return out;
+}
 
+// Standard deviations and correlations from the sums of squares and products
+// about the means (sxx the upper triangle, row-major).
+void finish_moments(Moments& m, const dvec& sxx, const dvec& sxy, double syy) {
+    const std::size_t p = m.x_mean.size();
     m.x_sd.resize(p);
     for (std::size_t j = 0; j < p; ++j)
         m.x_sd[j] = std::sqrt(sxx[j * p + j] / m.sum_weight);
@@ -74,6 +82,74 @@ Moments central_moments(const dmat& x, const dvec* y, const dvec* weight) {
         }
         m.corr_xy[i] = sxy[i] / m.sum_weight / safe_sd(m.x_sd[i]) / safe_sd(m.y_sd);
     }
+}
+
+Moments line_moments(const OneVariableSums& sums) {
+    Moments m;
+    m.sum_weight = sums.sum_weight;
+    m.x_mean = {sums.x_mean};
+    m.y_mean = sums.y_mean;
+    finish_moments(m, {sums.sxx}, {sums.sxy}, sums.syy);
+    return m;
+}
+
+// Both passes walk the records in order, so each sum adds in record order.
+// A null y skips the y sums; a null weight weighs every record 1.0, which
+// gives the same sums as a weight vector of ones. Only the records from
+// `begin` to `end` enter, so a moving window needs no copy of its rows.
+Moments central_moments(const dmat& x, const dvec* y, const dvec* weight, std::size_t begin,
+                        std::size_t end) {
+    const std::size_t p = end > begin ? x[begin].size() : 0;
+    Moments m;
+    m.x_mean.assign(p, 0.0);
+    // Upper triangle of the central cross-products, row-major in one block.
+    dvec sxx(p * p, 0.0), sxy(p, 0.0);
+    double syy = 0.0;
+
+    if (p == 1 && y && weight) {
+        const OneVariableSums sums = one_variable_sums<1>(
+            [&x](std::size_t r) { return x[r][0]; }, *y, {weight->data() + begin}, begin, end)[0];
+        m.sum_weight = sums.sum_weight;
+        m.x_mean[0] = sums.x_mean;
+        m.y_mean = sums.y_mean;
+        sxx[0] = sums.sxx;
+        sxy[0] = sums.sxy;
+        syy = sums.syy;
+    } else {
+        double sum_wy = 0.0;
+        for (std::size_t r = begin; r < end; ++r) {
+            const double w = weight ? (*weight)[r] : 1.0;
+            const double* row = x[r].data();
+            m.sum_weight += w;
+            for (std::size_t j = 0; j < p; ++j)
+                m.x_mean[j] += w * row[j];
+            if (y)
+                sum_wy += w * (*y)[r];
+        }
+        for (std::size_t j = 0; j < p; ++j)
+            m.x_mean[j] /= m.sum_weight;
+        m.y_mean = sum_wy / m.sum_weight;
+
+        dvec d(p);
+        const double* mean = m.x_mean.data();
+        for (std::size_t r = begin; r < end; ++r) {
+            const double w = weight ? (*weight)[r] : 1.0;
+            const double* row = x[r].data();
+            for (std::size_t j = 0; j < p; ++j)
+                d[j] = row[j] - mean[j];
+            const double dy = y ? (*y)[r] - m.y_mean : 0.0;
+            for (std::size_t i = 0; i < p; ++i) {
+                const double wd = w * d[i];
+                double* s = &sxx[i * p];
+                for (std::size_t j = i; j < p; ++j)
+                    s[j] += wd * d[j];
+                sxy[i] += wd * dy;
+            }
+            syy += w * dy * dy;
+        }
+    }
+
+    finish_moments(m, sxx, sxy, syy);
     return m;
 }
 
@@ -82,11 +158,37 @@ Moments central_moments(const dmat& x, const dvec* y, const dvec* weight) {
 Moments weighted_moments(const dmat& x, const dvec& y, const dvec& weight) {
     if (x.size() != y.size() || x.size() != weight.size())
         throw "Data matrix is not conformable";
-    return central_moments(x, &y, &weight);
+    return central_moments(x, &y, &weight, 0, x.size());
+}
+
+Moments weighted_moments(const dmat& x, const dvec& y, const dvec& weight, std::size_t begin,
+                         std::size_t end) {
+    if (x.size() != y.size() || x.size() != weight.size() || begin > end || end > x.size())
+        throw "Data matrix is not conformable";
+    return central_moments(x, &y, &weight, begin, end);
+}
+
+Moments weighted_line_moments(const dvec& x, const dvec& y, const dvec& weight, std::size_t begin,
+                              std::size_t end) {
+    if (x.size() != y.size() || x.size() != weight.size() || begin > end || end > x.size())
+        throw "Data matrix is not conformable";
+    return line_moments(one_variable_sums<1>([&x](std::size_t r) { return x[r]; }, y,
+                                             {weight.data() + begin}, begin, end)[0]);
+}
+
+std::array<Moments, 4> weighted_line_moments(const dvec& x, const dvec& y,
+                                             const std::array<const double*, 4>& weights,
+                                             std::size_t begin, std::size_t end) {
+    if (x.size() != y.size() || begin > end || end > x.size())
+        throw "Data matrix is not conformable";
+    const auto sums =
+        one_variable_sums<4>([&x](std::size_t r) { return x[r]; }, y, weights, begin, end);
+    return {line_moments(sums[0]), line_moments(sums[1]), line_moments(sums[2]),
+            line_moments(sums[3])};
 }
 
 Moments unit_moments(const dmat& x) {
-    return central_moments(x, nullptr, nullptr);
+    return central_moments(x, nullptr, nullptr, 0, x.size());
 }
 
 dmat dependency_matrix(const dmat& x) {

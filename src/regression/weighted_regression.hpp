@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
+
 #include "numeric/matrix.hpp"
 
 namespace zentable {
@@ -17,6 +20,18 @@ struct Moments {
 };
 
 Moments weighted_moments(const dmat& x, const dvec& y, const dvec& weight);
+// The moments of the records from begin to end alone, as if they were all.
+Moments weighted_moments(const dmat& x, const dvec& y, const dvec& weight, std::size_t begin,
+                         std::size_t end);
+// The same for one variable held as a plain vector, as a moving window holds it.
+Moments weighted_line_moments(const dvec& x, const dvec& y, const dvec& weight, std::size_t begin,
+                              std::size_t end);
+// Four weightings of the same records at once, lane k's weight of record r at
+// weights[k][r - begin]; each equals the one-weighting call bit for bit, and a
+// record of weight 0 adds nothing to a lane, so lanes may cover a common span.
+std::array<Moments, 4> weighted_line_moments(const dvec& x, const dvec& y,
+                                             const std::array<const double*, 4>& weights,
+                                             std::size_t begin, std::size_t end);
 // The moments of x alone, every record weighted 1.
 Moments unit_moments(const dmat& x);
 

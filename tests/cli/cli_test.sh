@@ -89,6 +89,11 @@ check "-- ends the options" 1 "" "Input data table is empty" \
 check "a failure prints its text and exits 1" 1 "" \
     "The numbers of observations in input data X, Y, and weight must be the same" \
     -- "$Z" call linear_reg @x.csv '{"y";1;2}'
+check "a parser's diagnostic is a failure" 1 "" "ERR242 - Premature end of expression[1]" \
+    -- "$Z" call integral '{"x +"}' 0 1
+check "a non-finite integral is a text in the result, not a failure" 0 \
+    "Error: variable values are out of the domain boundary in integral" "" \
+    -- "$Z" call integral '{"sqrt(x)"}' -1 1
 
 # --- the timer seeds once per process, so two timer calls share one script
 printf 'a = matrix_random(3, 2)\nb = matrix_random(3, 2)\nprint a\nprint b\n' >timer.zt

@@ -281,7 +281,7 @@ TEST(Readers, ColumnsTablesTextsAndWholeTables) {
               "Error: data line 1 (3 fields) must have the same size as head (2 fields)");
 
     const ClassAndNumbers both = read_two_name_lists(path, {"grade"}, {"score"}, ',');
-    EXPECT_EQ(both.classes[3], (svec{"D"}));
+    EXPECT_EQ(both.classes.at(0).at(3), "D");
     EXPECT_EQ(both.valid, (bvec{true, false, false, true}));
 
     EXPECT_EQ(read_head(path, ','), (svec{"id", "score", "grade", "city"}));

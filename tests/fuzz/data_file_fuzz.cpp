@@ -118,7 +118,8 @@ void check_readers(const std::string& path, char delimiter) {
     reads("read_two_name_lists", [&] {
         const svec first(names.begin(), names.begin() + 1);
         const ClassAndNumbers c = read_two_name_lists(path, first, names, delimiter);
-        require(c.classes.size() == c.x.size() && c.x.size() == c.valid.size(),
+        require(c.classes.size() == 1 && c.classes[0].size() == c.x.size() &&
+                    c.x.size() == c.valid.size(),
                 "classes, numbers and mask per record");
     });
 }

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <functional>
+
+#include "xlw/cell_matrix.hpp"
+
+namespace zentable {
+
+// function_eval(func, x): the expression at each row of a table of its inputs,
+// under a head cell that holds the joined text.
+CellMatrix function_eval(const CellMatrix& func, const CellMatrix& x);
+
+// integral(func, from, to): one cell, the value or the text of a non-finite one.
+CellMatrix integral(const CellMatrix& func, const CellMatrix& from, const CellMatrix& to);
+
+// Tanh-sinh quadrature on [a, b], a <= b, with a fixed rule of 193 nodes that
+// stops once its error estimate is below a tenth of target times (b - a) / 2.
+double tanh_sinh(const std::function<double(double)>& f, double a, double b, double target);
+
+}  // namespace zentable
