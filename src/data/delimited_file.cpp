@@ -816,9 +816,11 @@ namespace {
 // Removes the last column of a table read from a file: the empty-named one
 // that a delimiter at the end of every line makes.
 void drop_last_column(MixedTable& table) {
+    table.names.pop_back();
+    if (table.column_types.empty())  // no records, so no types
+        return;
     const char type = table.column_types.back();
     const auto at = static_cast<std::size_t>(table.column_index.back());
-    table.names.pop_back();
     table.column_types.pop_back();
     table.column_index.pop_back();
     for (std::size_t i = 0; i < table.numeric_rows.size(); ++i) {
