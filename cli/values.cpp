@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "data/delimited_file.hpp"
 #include "driver_error.hpp"
 #include "xlw/cell_conversions.hpp"
 
@@ -45,6 +46,11 @@ char delimiter_for(const std::string& path, const std::string& first_line) {
         return '\t';
     if (first_line.find(',') == std::string::npos && first_line.find('\t') != std::string::npos)
         return '\t';
+    // R's write.csv2 and spreadsheets in many countries: ";" between fields,
+    // and a decimal comma in the numbers.
+    const auto count = [&](char c) { return std::count(first_line.begin(), first_line.end(), c); };
+    if (first_line.find('\t') == std::string::npos && count(';') > count(','))
+        return ';';
     return ',';
 }
 
@@ -97,8 +103,9 @@ class FileText {
 };
 
 // Calls on_field(text) for each field of the file's text in order, and
-// on_row() after each line that has one; a line with no field is no row.
-// Quotes enclose text in which the delimiter and line ends are plain
+// on_row() after each line that has one; a line with no field is no row, but
+// a line of two quotes is one empty field (a missing value in a file of one
+// column). Quotes enclose text in which the delimiter and line ends are plain
 // characters, "" inside them is one quote, and a carriage return outside them
 // is dropped. Most fields have none of these and are handed out as spans of
 // the text, with no copy.
@@ -106,15 +113,16 @@ template <class OnField, class OnRow>
 void walk_fields(std::string_view s, char delimiter, const std::string& path, OnField&& on_field,
                  OnRow&& on_row) {
     std::size_t start = 0;
-    bool copying = false, in_quotes = false, any_field = false;
+    bool copying = false, in_quotes = false, any_field = false, quoted = false;
     std::string copy;
     auto end_field = [&](std::size_t end) {
         on_field(copying ? std::string_view(copy) : std::string_view(s).substr(start, end - start));
         copying = false;
+        quoted = false;
         any_field = true;
     };
     auto end_row = [&](std::size_t end) {
-        if (any_field || (copying ? !copy.empty() : end > start))
+        if (any_field || quoted || (copying ? !copy.empty() : end > start))
             end_field(end);
         if (any_field)
             on_row();
@@ -138,6 +146,7 @@ void walk_fields(std::string_view s, char delimiter, const std::string& path, On
                 ++i;
             } else if (c == '"') {
                 in_quotes = !in_quotes;
+                quoted = true;
             } else if (c != '\r' || in_quotes) {
                 copy += c;
             }
@@ -180,10 +189,16 @@ class TextCells {
 };
 
 // A cell from a field of a data file: blanks around it do not count.
-void set_file_cell(CellValue& cell, std::string_view field, TextCells& texts) {
-    const std::string_view text = trimmed(field);
+void set_file_cell(CellValue& cell, std::string_view field, char delimiter, TextCells& texts) {
+    std::string_view text = trimmed(field);
     if (text.empty())
         return;
+    std::string with_point;
+    if (delimiter == ';' && !is_decimal_number(text)) {
+        with_point = decimal_comma_as_point(text);
+        if (!with_point.empty() && is_decimal_number(with_point))
+            text = with_point;
+    }
     if (is_decimal_number(text)) {
         // from_chars rounds correctly, as strtod does, but takes no plus sign
         // and leaves an overflow unset, where strtod gives an infinity.
@@ -310,9 +325,41 @@ CellMatrix parse_array_constant(const std::string& text) {
 // Two walks over the text: the first sizes the table, the second fills it.
 // A table of millions of cells built through rows of temporary cells spends
 // most of its time allocating them.
+// A table read from a file with a head row of names: an empty name gets
+// one, and an empty last column (a delimiter at the end of every line) goes.
+CellMatrix named_columns(CellMatrix table) {
+    const std::size_t rows = table.RowsInStructure(), columns = table.ColumnsInStructure();
+    if (rows < 2 || columns == 0)
+        return table;
+    bool last_empty = columns > 1;
+    for (std::size_t i = 0; i < rows && last_empty; ++i)
+        last_empty = table(i, columns - 1).IsEmpty();
+    if (last_empty) {
+        CellMatrix narrower(rows, columns - 1);
+        for (std::size_t i = 0; i < rows; ++i)
+            for (std::size_t j = 0; j + 1 < columns; ++j)
+                narrower(i, j) = table(i, j);
+        return named_columns(std::move(narrower));
+    }
+    bool names = false;
+    for (std::size_t j = 0; j < columns; ++j) {
+        if (table(0, j).IsString())
+            names = true;
+        else if (!table(0, j).IsEmpty())
+            return table;
+    }
+    if (names)
+        for (std::size_t j = 0; j < columns; ++j)
+            if (table(0, j).IsEmpty())
+                table(0, j) = unnamed_column(j);
+    return table;
+}
+
 CellMatrix read_cells_file(const std::string& path) {
     const FileText file(path);
-    const std::string_view content = file.text();
+    std::string_view content = file.text();
+    if (content.substr(0, 3) == "\xEF\xBB\xBF")
+        content.remove_prefix(3);
     const char delimiter = delimiter_for(path, std::string(content.substr(0, content.find('\n'))));
     std::size_t rows = 0, columns = 0, column = 0;
     walk_fields(
@@ -327,12 +374,14 @@ CellMatrix read_cells_file(const std::string& path) {
     TextCells texts;
     walk_fields(
         content, delimiter, path,
-        [&](std::string_view field) { set_file_cell(table(row, column++), field, texts); },
+        [&](std::string_view field) {
+            set_file_cell(table(row, column++), field, delimiter, texts);
+        },
         [&] {
             ++row;
             column = 0;
         });
-    return table;
+    return named_columns(std::move(table));
 }
 
 bool parse_a1_range(const std::string& text, CellRange& r) {

@@ -376,7 +376,9 @@ const std::vector<FunctionInfo>& catalogue() {
                  "Computes weighted statistics of analysis variables in the groups of class "
                  "variables",
                  {oper("classVars", "Table of class variables with their names in the first row"),
-                  oper("x", "Table of analysis variables with their names in the first row"),
+                  oper("x",
+                       "Table of analysis variables with their names in the first row; a cell "
+                       "that is not a number is missing for its variable"),
                   oper("weight", kWeight),
                   oper("nway",
                        "1 for the groups of all class variables together, 0 for the groups of "

@@ -31,16 +31,76 @@ bool is_digit(char c) {
     return c >= '0' && c <= '9';
 }
 
+// Line ends as LF or CRLF: the CR is no part of the last field.
 std::string_view without_newlines(std::string_view line) {
-    while (!line.empty() && line.back() == '\n')
+    while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
         line.remove_suffix(1);
     return line;
 }
 
+bool is_blank(char c) {
+    return c == ' ' || c == '\t';
+}
+
+// Where a quote may open a field: at its start, after blanks other than the
+// delimiter. A quote anywhere else (5'3") is a plain character.
+std::size_t quote_start(std::string_view line, std::size_t i, char delimiter) {
+    while (i < line.size() && is_blank(line[i]) && line[i] != delimiter)
+        ++i;
+    return i < line.size() && line[i] == '"' ? i : std::string_view::npos;
+}
+
+// Splits a record that holds a quote. A quoted field's text, without its
+// quotes and with each doubled quote as one, is written to `unquoted`, whose
+// room is reserved first so that the views into it stay valid.
+void split_quoted(std::string_view line, char delimiter, Fields& fields, std::size_t limit) {
+    fields.unquoted.clear();
+    fields.unquoted.reserve(line.size());
+    const std::size_t n = line.size();
+    std::size_t i = 0;
+    if (delimiter == ' ')
+        while (i < n && line[i] == ' ')
+            ++i;
+    while (fields.size() < limit) {
+        const std::size_t open = quote_start(line, i, delimiter);
+        if (open == std::string_view::npos) {
+            const std::size_t start = i;
+            while (i < n && line[i] != delimiter)
+                ++i;
+            fields.push_back(line.substr(start, i - start));
+        } else {
+            const std::size_t first = fields.unquoted.size();
+            for (i = open + 1; i < n; ++i) {
+                if (line[i] == '"') {
+                    if (i + 1 < n && line[i + 1] == '"')
+                        ++i;
+                    else
+                        break;
+                }
+                fields.unquoted += line[i];
+            }
+            // Text after the closing quote belongs to the field as written.
+            for (++i; i < n && line[i] != delimiter; ++i)
+                fields.unquoted += line[i];
+            fields.push_back(
+                std::string_view(fields.unquoted).substr(first, fields.unquoted.size() - first));
+        }
+        if (i >= n)
+            return;
+        ++i;  // the delimiter
+        if (delimiter == ' ') {
+            while (i < n && line[i] == ' ')
+                ++i;
+            if (i >= n)
+                return;
+        }
+    }
+}
+
 // The fields of a line as views into it, the vector reused from line to line
 // so that the record loops allocate nothing per field. `limit` fields at most.
-void split_fields(std::string_view line, char delimiter, std::vector<std::string_view>& fields,
-                  std::size_t limit = kMaxFields) {
+// A quote sends the line to the slower split that removes quotes.
+void split_fields(std::string_view line, char delimiter, Fields& fields, std::size_t limit) {
     fields.clear();
     line = without_newlines(line);
     const std::size_t n = line.size();
@@ -50,8 +110,14 @@ void split_fields(std::string_view line, char delimiter, std::vector<std::string
             ++i;
         while (i < n && fields.size() < limit) {
             const std::size_t start = i;
-            while (i < n && line[i] != ' ')
+            while (i < n && line[i] != ' ') {
+                if (line[i] == '"') {
+                    fields.clear();
+                    split_quoted(line, delimiter, fields, limit);
+                    return;
+                }
                 ++i;
+            }
             fields.push_back(line.substr(start, i - start));
             while (i < n && line[i] == ' ')
                 ++i;
@@ -60,14 +126,45 @@ void split_fields(std::string_view line, char delimiter, std::vector<std::string
     }
     std::size_t start = 0;
     for (std::size_t i = 0; i < n && fields.size() < limit; ++i) {
-        if (line[i] == delimiter) {
+        const char c = line[i];
+        if (c == delimiter) {
             fields.push_back(line.substr(start, i - start));
             start = i + 1;
+        } else if (c == '"') {
+            fields.clear();
+            split_quoted(line, delimiter, fields, limit);
+            return;
         }
     }
-    // A trailing delimiter gives no further field; an empty line is one empty field.
-    if (fields.size() < limit && (start < n || n == 0))
+    // A trailing delimiter gives a last, empty field, as does an empty line.
+    if (fields.size() < limit)
         fields.push_back(line.substr(start));
+}
+
+// Whether a record ends inside a quoted field, so that the next line
+// continues it.
+bool ends_in_open_quote(std::string_view record, char delimiter) {
+    const std::size_t n = record.size();
+    std::size_t i = 0;
+    while (i < n) {
+        const std::size_t open = quote_start(record, i, delimiter);
+        if (open != std::string_view::npos) {
+            for (i = open + 1;; ++i) {
+                if (i >= n)
+                    return true;
+                if (record[i] == '"') {
+                    if (i + 1 < n && record[i + 1] == '"')
+                        ++i;
+                    else
+                        break;
+                }
+            }
+        }
+        while (i < n && record[i] != delimiter)
+            ++i;
+        ++i;
+    }
+    return false;
 }
 
 std::string trimmed(std::string_view field) {
@@ -85,8 +182,7 @@ std::string cannot_find(const std::string& wanted, const char* where) {
 
 // Splits a record up to the field at `needed`; false when it has no such
 // field, with every field of the line split for the count.
-bool split_record(std::string_view line, char delimiter, std::size_t needed,
-                  std::vector<std::string_view>& fields) {
+bool split_record(std::string_view line, char delimiter, std::size_t needed, Fields& fields) {
     split_fields(line, delimiter, fields, needed + 1);
     if (fields.size() > needed)
         return true;
@@ -104,14 +200,19 @@ std::string short_line_text(long long line_number, std::size_t fields,
 struct DataFile {
     LineReader reader;
     svec head;
-    std::vector<std::string_view> fields;
+    Fields fields;
+    bool last_unnamed = false;  // the head ends in an empty name
 
     DataFile(const std::string& filename, char delimiter) : reader(filename) {
-        if (const char* line = reader.read_line()) {
+        if (const char* line = reader.read_record(delimiter)) {
             split_fields(std::string_view(line, reader.length()), delimiter, fields);
             head.reserve(fields.size());
-            for (std::string_view f : fields)
+            for (std::string_view f : fields) {
                 head.push_back(trimmed(f));
+                last_unnamed = head.back().empty();
+                if (last_unnamed)
+                    head.back() = unnamed_column(head.size() - 1);
+            }
         }
     }
 
@@ -126,7 +227,7 @@ struct DataFile {
     // Splits the next record; false at the end of the file. A record with no
     // field at `needed` stops the reading with its line number.
     bool next(char delimiter, std::size_t needed, long long line_number) {
-        const char* line = reader.read_line();
+        const char* line = reader.read_record(delimiter);
         if (!line)
             return false;
         if (!split_record(std::string_view(line, reader.length()), delimiter, needed, fields))
@@ -257,14 +358,45 @@ bool is_number(std::string_view field) {
     return parse_number(field, value);
 }
 
+std::string decimal_comma_as_point(std::string_view field) {
+    const std::size_t comma = field.find(',');
+    if (comma == std::string_view::npos || field.find(',', comma + 1) != std::string_view::npos ||
+        field.find('.') != std::string_view::npos)
+        return "";
+    std::string with_point(field);
+    with_point[comma] = '.';
+    return with_point;
+}
+
+bool parse_file_number(std::string_view field, char delimiter, double& value) {
+    if (parse_number(field, value))
+        return true;
+    if (delimiter != ';')
+        return false;
+    const std::string with_point = decimal_comma_as_point(field);
+    return !with_point.empty() && parse_number(with_point, value);
+}
+
+std::string unnamed_column(std::size_t column) {
+    return "X" + std::to_string(column + 1);
+}
+
+void split_fields(std::string_view record, char delimiter, Fields& fields) {
+    split_fields(record, delimiter, fields, kMaxFields);
+}
+
 std::vector<std::string> split_line(const std::string& line, char delimiter) {
-    std::vector<std::string_view> views;
+    Fields views;
     split_fields(line, delimiter, views);
     return std::vector<std::string>(views.begin(), views.end());
 }
 
 LineReader::LineReader(const std::string& filename, long long begin, long long end)
-    : filename_(filename), file_(std::fopen(filename.c_str(), "r")), offset_(begin), end_(end) {
+    : filename_(filename),
+      file_(std::fopen(filename.c_str(), "r")),
+      offset_(begin),
+      end_(end),
+      at_file_start_(begin == 0) {
     if (!file_)
         throw "Error: cannot open file " + filename;
     if (begin > 0 && std::fseek(file_, static_cast<long>(begin), SEEK_SET) != 0) {
@@ -292,13 +424,20 @@ bool LineReader::fill_block() {
     return block_end_ > 0;
 }
 
-const char* LineReader::read_line() {
-    if (end_ >= 0 && offset_ >= end_)
-        return nullptr;
-    std::size_t length = 0;
+// Appends the next line to the buffer from `at`; false at the end of the file.
+bool LineReader::take_line(std::size_t at) {
+    std::size_t length = at;
     for (;;) {
         if (block_begin_ == block_end_ && !fill_block())
             break;
+        if (at_file_start_) {
+            at_file_start_ = false;
+            static const char kByteOrderMark[] = "\xEF\xBB\xBF";
+            if (block_end_ >= 3 && std::memcmp(block_.get(), kByteOrderMark, 3) == 0) {
+                block_begin_ = 3;
+                offset_ += 3;
+            }
+        }
         const char* start = block_.get() + block_begin_;
         const std::size_t available = block_end_ - block_begin_;
         const void* newline = std::memchr(start, '\n', available);
@@ -313,11 +452,28 @@ const char* LineReader::read_line() {
         if (newline)
             break;
     }
-    if (length == 0)
-        return nullptr;
-    offset_ += static_cast<long long>(length);
+    if (length == at)
+        return false;
+    offset_ += static_cast<long long>(length - at);
     line_[length] = '\0';
-    length_ = std::strlen(line_.data());
+    length_ = at + std::strlen(line_.data() + at);
+    return true;
+}
+
+const char* LineReader::read_line() {
+    if (end_ >= 0 && offset_ >= end_)
+        return nullptr;
+    return take_line(0) ? line_.data() : nullptr;
+}
+
+const char* LineReader::read_record(char delimiter) {
+    if (!read_line())
+        return nullptr;
+    if (!std::memchr(line_.data(), '"', length_))
+        return line_.data();
+    while (ends_in_open_quote(std::string_view(line_.data(), length_), delimiter))
+        if (!take_line(length_))
+            throw "unterminated quoted field in " + filename_;
     return line_.data();
 }
 
@@ -332,6 +488,13 @@ long long file_size(const std::string& filename) {
         size = std::ftell(file);
     std::fclose(file);
     return size;
+}
+
+// The offset of the first record after the head.
+long long data_start(const std::string& filename, char delimiter) {
+    LineReader reader(filename);
+    reader.read_record(delimiter);
+    return reader.offset();
 }
 
 // The offset of the first line that starts at or after `at`.
@@ -379,6 +542,7 @@ constexpr long long kParallelBytes = 8 << 20;
 // first short line, counted from the stretch's first line, or a failure.
 struct Stretch {
     long long lines = 0;
+    long long end_offset = 0;  // where the stretch's last record ended
     long long short_line = 0;
     std::size_t short_line_fields = 0;
     std::exception_ptr failure;
@@ -391,8 +555,8 @@ void read_stretch(const std::string& filename, long long begin, long long end, c
                   std::size_t needed, Stretch& stretch, Use use) {
     try {
         LineReader reader(filename, begin, end);
-        std::vector<std::string_view> fields;
-        while (const char* line = reader.read_line()) {
+        Fields fields;
+        while (const char* line = reader.read_record(delimiter)) {
             ++stretch.lines;
             if (!split_record(std::string_view(line, reader.length()), delimiter, needed, fields)) {
                 stretch.short_line = stretch.lines;
@@ -401,6 +565,7 @@ void read_stretch(const std::string& filename, long long begin, long long end, c
             }
             use(fields);
         }
+        stretch.end_offset = reader.offset();
     } catch (...) {
         stretch.failure = std::current_exception();
     }
@@ -413,7 +578,7 @@ void read_stretch(const std::string& filename, long long begin, long long end, c
 template <class Part, class Use>
 std::vector<Part> read_records(const std::string& filename, char delimiter, std::size_t needed,
                                const Part& empty_part, Use use) {
-    const long long data_begin = line_start_from(filename, 1);
+    const long long data_begin = data_start(filename, delimiter);
     const long long size = file_size(filename);
     // Room for the records guessed from the first record's length, so that
     // the columns grow without copies; untouched room costs no memory.
@@ -423,7 +588,7 @@ std::vector<Part> read_records(const std::string& filename, char delimiter, std:
     };
     auto read_part = [&](long long begin, long long end, Part& part) {
         read_stretch(filename, begin, end, delimiter, needed, part,
-                     [&](const std::vector<std::string_view>& fields) { use(fields, part); });
+                     [&](const Fields& fields) { use(fields, part); });
     };
     // The first part gets room for all records: the others are appended to it.
     std::vector<Part> parts;
@@ -439,6 +604,15 @@ std::vector<Part> read_records(const std::string& filename, char delimiter, std:
         std::thread second([&] { read_part(middle, -1, parts[1]); });
         read_part(data_begin, middle, parts[0]);
         second.join();
+        // A quoted field with line breaks can straddle the middle: the first
+        // half then reads past it, and the second half, begun inside the
+        // field, is read again from where the first ended.
+        const Part& first = parts[0];
+        if (!first.failure && first.short_line == 0 && first.end_offset != middle) {
+            parts[1] = empty_part;
+            parts[1].expect(guess(size - first.end_offset));
+            read_part(first.end_offset, -1, parts[1]);
+        }
     }
     long long lines_before = 0;
     for (Part& part : parts) {
@@ -497,22 +671,21 @@ XYW read_xyw_from_file(const std::string& filename, const CellMatrix& x_names,
     const std::size_t needed = std::max({largest(x_columns), y_column, w_column});
 
     const std::size_t p = x_columns.size();
-    std::vector<XywPart> parts =
-        read_records<XywPart>(filename, delimiter, needed, XywPart{},
-                              [&](const std::vector<std::string_view>& fields, XywPart& part) {
-                                  dvec row(p);
-                                  for (std::size_t j = 0; j < p; ++j)
-                                      if (!parse_number(fields[x_columns[j]], row[j]))
-                                          return;
-                                  double y = 0.0, w = 1.0;
-                                  if (!parse_number(fields[y_column], y))
-                                      return;
-                                  if (has_weight && !parse_number(fields[w_column], w))
-                                      return;
-                                  part.x.push_back(std::move(row));
-                                  part.y.push_back(y);
-                                  part.weight.push_back(w);
-                              });
+    std::vector<XywPart> parts = read_records<XywPart>(
+        filename, delimiter, needed, XywPart{}, [&](const Fields& fields, XywPart& part) {
+            dvec row(p);
+            for (std::size_t j = 0; j < p; ++j)
+                if (!parse_file_number(fields[x_columns[j]], delimiter, row[j]))
+                    return;
+            double y = 0.0, w = 1.0;
+            if (!parse_file_number(fields[y_column], delimiter, y))
+                return;
+            if (has_weight && !parse_file_number(fields[w_column], delimiter, w))
+                return;
+            part.x.push_back(std::move(row));
+            part.y.push_back(y);
+            part.weight.push_back(w);
+        });
     out.x = std::move(parts[0].x);
     out.y = std::move(parts[0].y);
     out.weight = std::move(parts[0].weight);
@@ -541,14 +714,13 @@ NumericColumns read_numeric_columns(const std::string& filename, const svec& nam
     };
     Part empty_part;
     empty_part.values.resize(columns.size());
-    std::vector<Part> parts =
-        read_records(filename, delimiter, largest(columns), empty_part,
-                     [&](const std::vector<std::string_view>& fields, Part& part) {
-                         double value;
-                         for (std::size_t j = 0; j < columns.size(); ++j)
-                             if (parse_number(fields[columns[j]], value))
-                                 part.values[j].push_back(value);
-                     });
+    std::vector<Part> parts = read_records(
+        filename, delimiter, largest(columns), empty_part, [&](const Fields& fields, Part& part) {
+            double value;
+            for (std::size_t j = 0; j < columns.size(); ++j)
+                if (parse_file_number(fields[columns[j]], delimiter, value))
+                    part.values[j].push_back(value);
+        });
     NumericColumns out;
     out.values = std::move(parts[0].values);
     out.records = parts[0].lines;
@@ -567,12 +739,12 @@ NamedTable read_numeric_table(const std::string& filename, const svec& names, ch
     for (const std::string& name : names)
         columns.push_back(find_variable(head, name));
     // A field that is not a number keeps atof's value and spoils its record.
-    auto read_row = [&](const std::vector<std::string_view>& fields, dmat& data, bvec& valid) {
+    auto read_row = [&](const Fields& fields, dmat& data, bvec& valid) {
         dvec row(columns.size());
         bool complete = true;
         for (std::size_t j = 0; j < columns.size(); ++j) {
             const std::string_view field = fields[columns[j]];
-            if (!parse_number(field, row[j])) {
+            if (!parse_file_number(field, delimiter, row[j])) {
                 row[j] = atof_of(field);
                 complete = false;
             }
@@ -599,11 +771,9 @@ NamedTable read_numeric_table(const std::string& filename, const svec& names, ch
             valid.reserve(records);
         }
     };
-    std::vector<Part> parts =
-        read_records(filename, delimiter, largest(columns), Part{},
-                     [&](const std::vector<std::string_view>& fields, Part& part) {
-                         read_row(fields, part.data, part.valid);
-                     });
+    std::vector<Part> parts = read_records(
+        filename, delimiter, largest(columns), Part{},
+        [&](const Fields& fields, Part& part) { read_row(fields, part.data, part.valid); });
     out.data = std::move(parts[0].data);
     out.valid = std::move(parts[0].valid);
     for (std::size_t i = 1; i < parts.size(); ++i) {
@@ -641,6 +811,29 @@ std::vector<svec> read_field_table(const std::string& filename, const svec& name
     return out;
 }
 
+namespace {
+
+// Removes the last column of a table read from a file: the empty-named one
+// that a delimiter at the end of every line makes.
+void drop_last_column(MixedTable& table) {
+    table.names.pop_back();
+    if (table.column_types.empty())  // no records, so no types
+        return;
+    const char type = table.column_types.back();
+    const auto at = static_cast<std::size_t>(table.column_index.back());
+    table.column_types.pop_back();
+    table.column_index.pop_back();
+    for (std::size_t i = 0; i < table.numeric_rows.size(); ++i) {
+        if (type == 'N')
+            table.numeric_rows[i].erase(table.numeric_rows[i].begin() +
+                                        static_cast<std::ptrdiff_t>(at));
+        else
+            table.text_rows[i].erase(table.text_rows[i].begin() + static_cast<std::ptrdiff_t>(at));
+    }
+}
+
+}  // namespace
+
 MixedTable read_whole_table(const std::string& filename, char delimiter) {
     DataFile file(filename, delimiter);
     MixedTable out;
@@ -648,16 +841,23 @@ MixedTable read_whole_table(const std::string& filename, char delimiter) {
     const std::size_t width = file.head.size();
     int numeric = 0, categorical = 0;
     long long line_number = 0;
-    while (const char* line = file.reader.read_line()) {
+    bool last_holds_nothing = file.last_unnamed;
+    while (const char* line = file.reader.read_record(delimiter)) {
         ++line_number;
         split_fields(std::string_view(line, file.reader.length()), delimiter, file.fields);
+        // A trailing delimiter on a line under a head without one.
+        if (file.fields.size() == width + 1 && trimmed(file.fields.back()).empty())
+            file.fields.pop_back();
+        if (last_holds_nothing && width > 0 && file.fields.size() == width)
+            last_holds_nothing = trimmed(file.fields.back()).empty();
         if (file.fields.size() != width)
             throw "Error: data line " + std::to_string(line_number) + " (" +
                 std::to_string(file.fields.size()) + " fields) must have the same size as head (" +
                 std::to_string(width) + " fields)";
         if (line_number == 1) {
             for (std::string_view field : file.fields) {
-                const bool number = is_number(field);
+                double value;
+                const bool number = parse_file_number(field, delimiter, value);
                 out.column_types.push_back(number ? 'N' : 'C');
                 out.column_index.push_back(number ? numeric++ : categorical++);
             }
@@ -668,7 +868,7 @@ MixedTable read_whole_table(const std::string& filename, char delimiter) {
             const std::string_view field = file.fields[j];
             const auto at = static_cast<std::size_t>(out.column_index[j]);
             if (out.column_types[j] == 'N') {
-                if (!parse_number(field, numbers[at]))
+                if (!parse_file_number(field, delimiter, numbers[at]))
                     numbers[at] = atof_of(field);
             } else {
                 texts[at] = trimmed(field);
@@ -678,6 +878,8 @@ MixedTable read_whole_table(const std::string& filename, char delimiter) {
         out.text_rows.push_back(std::move(texts));
     }
     out.row_count = static_cast<int>(line_number);
+    if (last_holds_nothing && width > 0)
+        drop_last_column(out);
     return out;
 }
 
@@ -702,23 +904,22 @@ ClassAndNumbers read_two_name_lists(const std::string& filename, const svec& cla
     };
     Part empty_part;
     empty_part.records.classes.resize(class_columns.size());
-    std::vector<Part> parts =
-        read_records(filename, delimiter, needed, empty_part,
-                     [&](const std::vector<std::string_view>& fields, Part& part) {
-                         for (std::size_t c = 0; c < class_columns.size(); ++c)
-                             part.records.classes[c].push_back(trimmed(fields[class_columns[c]]));
-                         dvec x(x_columns.size());
-                         bool complete = true;
-                         for (std::size_t j = 0; j < x_columns.size(); ++j) {
-                             const std::string_view field = fields[x_columns[j]];
-                             if (!parse_number(field, x[j])) {
-                                 x[j] = atof_of(field);
-                                 complete = false;
-                             }
-                         }
-                         part.records.x.push_back(std::move(x));
-                         part.records.valid.push_back(complete);
-                     });
+    std::vector<Part> parts = read_records(
+        filename, delimiter, needed, empty_part, [&](const Fields& fields, Part& part) {
+            for (std::size_t c = 0; c < class_columns.size(); ++c)
+                part.records.classes[c].push_back(trimmed(fields[class_columns[c]]));
+            dvec x(x_columns.size());
+            bool complete = true;
+            for (std::size_t j = 0; j < x_columns.size(); ++j) {
+                const std::string_view field = fields[x_columns[j]];
+                if (!parse_file_number(field, delimiter, x[j])) {
+                    x[j] = atof_of(field);
+                    complete = false;
+                }
+            }
+            part.records.x.push_back(std::move(x));
+            part.records.valid.push_back(complete);
+        });
     ClassAndNumbers out = std::move(parts[0].records);
     for (std::size_t i = 1; i < parts.size(); ++i) {
         for (std::size_t c = 0; c < class_columns.size(); ++c)
@@ -748,7 +949,7 @@ void copy_with_new_columns(const std::string& infile, const std::string& outfile
     if (!out)
         throw open_out_failure;
     long long i = -1;
-    while (const char* line = reader->read_line()) {
+    while (const char* line = reader->read_record(delimiter)) {
         const std::string_view text = without_newlines(std::string_view(line, reader->length()));
         std::fwrite(text.data(), 1, text.size(), out);
         std::fputc(delimiter, out);

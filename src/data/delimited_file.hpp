@@ -21,16 +21,38 @@ char read_delimiter(const CellMatrix& delimiter);
 bool is_number(std::string_view field);
 // is_number, and when it holds, the field's value (the C library's atof).
 bool parse_number(std::string_view field, double& value);
+// parse_number for a field of a data file: with the delimiter ";" a number
+// may also be written with a decimal comma (3,14), as spreadsheets and R's
+// write.csv2 write them in many countries.
+bool parse_file_number(std::string_view field, char delimiter, double& value);
 
-// The fields of a line: trailing newlines removed; with the blank as
-// delimiter, runs of blanks count as one. At most 100000 fields.
+// A number written with a decimal comma (3,14) as text with a point, or ""
+// when the field is not written so: one comma, no point.
+std::string decimal_comma_as_point(std::string_view field);
+
+// The name given to a column whose head field is empty (R's write.csv puts
+// the row names under one): "X" and the column's number from 1.
+std::string unnamed_column(std::size_t column);
+
+// The fields of a record. Quotes as R, pandas and spreadsheets write them: a
+// field that starts with a double quote (after blanks) runs to the closing
+// one and may hold the delimiter, line breaks and doubled quotes, which stand
+// for one; the quotes are not part of the value. Line ends (LF or CRLF) are
+// removed. A trailing delimiter gives a last, empty field; with the blank as
+// delimiter, runs of blanks count as one. At most 100000 fields. Unquoted
+// fields are views into the record; quoted ones into `unquoted`.
+struct Fields : std::vector<std::string_view> {
+    std::string unquoted;
+};
+void split_fields(std::string_view record, char delimiter, Fields& fields);
 std::vector<std::string> split_line(const std::string& line, char delimiter);
 
 // Reads a file line by line with no limit on a line's length, optionally
 // only the lines that start in the byte range [begin, end). Each line is
 // copied into a buffer that starts at 1024 bytes and doubles whenever a line
 // does not fit. As with the C library's line reader, a NUL byte ends the text
-// of its line; the rest of that line is passed over.
+// of its line; the rest of that line is passed over. A UTF-8 byte-order mark
+// at the start of the file is no part of the first line.
 class LineReader {
   public:
     // Fails with "Error: cannot open file <name>". `begin` must be the start of a line.
@@ -42,12 +64,17 @@ class LineReader {
     // The next line with its newline, if it had one, ended by a NUL; null at
     // the end of the file or of the range.
     const char* read_line();
+    // The next record: a line, and the lines after it while a quoted field
+    // is open, whatever the range's end. Fails with "unterminated quoted
+    // field in <name>" when the file ends inside one.
+    const char* read_record(char delimiter);
     std::size_t length() const { return length_; }  // of the line last read
     long long offset() const { return offset_; }    // where the next line starts
     const std::string& filename() const { return filename_; }
 
   private:
     bool fill_block();
+    bool take_line(std::size_t at);
 
     std::string filename_;
     std::FILE* file_;
@@ -59,13 +86,14 @@ class LineReader {
     std::size_t length_ = 0;
     long long offset_;
     long long end_;
+    bool at_file_start_;
 };
 
 // The list of variable names that a _from_file command requires: the
 // caller's text when it is omitted, one row or one column of texts otherwise.
 svec read_file_variable_names(const CellMatrix& names, const std::string& missing_message);
 
-// The head line's names, trimmed.
+// The head line's names, trimmed; an empty one named by unnamed_column.
 svec read_head(const std::string& filename, char delimiter);
 
 // Index of a name among the head's; the first of equal names wins.

@@ -86,7 +86,7 @@ void hosmer_lemeshow(BinaryEval& out) {
     if (std::isinf(chi) && chi > 0)
         out.hl_p_value = 0.0;
     else if (chi >= 0.0)
-        out.hl_p_value = 1.0 - gammp(df * 0.5, chi * 0.5);
+        out.hl_p_value = gammq(df * 0.5, chi * 0.5);
     else
         out.hl_p_value = kNaN;
 }
@@ -387,7 +387,7 @@ void cont_eval_core(const dmat& records, int k, int numBins, ContEval& out) {
         out.f_value = (out.r_square / unexplained) * (n - k) / (k - 1);
     if (out.f_value > 0.0) {
         const double spread = out.f_value * (k - 1);
-        out.p_value = 1.0 - betai((k - 1) * 0.5, (n - k) * 0.5, spread / (spread + (n - k)));
+        out.p_value = betai((n - k) * 0.5, (k - 1) * 0.5, (n - k) / (spread + (n - k)));
     }
 
     if (numBins > 0)

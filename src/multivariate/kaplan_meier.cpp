@@ -88,8 +88,7 @@ Grouping group_classes(const Records& records) {
     }
     const FreqLevels levels = make_freq_levels(seen);
     for (std::size_t k = 0; k < levels.size(); ++k) {
-        const std::string level =
-            levels.numeric ? number_to_text(levels.values[k]) : levels.labels[k];
+        const std::string level = levels.text(k);
         out.suffixes.push_back(" for " + classes.name + " = " + level);
     }
     out.group_of.assign(classes.texts.size(), kLeftOut);

@@ -124,8 +124,20 @@ double gammp(double a, double x) {
     return 1.0 - gcf(a, x);
 }
 
+double gammq(double a, double x) {
+    if (x < 0.0 || a <= 0.0)
+        throw "Invalid arguments in function gammp()";
+    if (x < a + 1.0)
+        return 1.0 - gser(a, x);
+    return gcf(a, x);
+}
+
 double chi_square_cdf(double x, double df) {
     return gammp(df / 2.0, x / 2.0);
+}
+
+double chi_square_upper(double x, double df) {
+    return gammq(df / 2.0, x / 2.0);
 }
 
 double t_cdf(double t, double df) {
@@ -249,6 +261,11 @@ double chi_square_quantile(double p, double df) {
 
 double normal_cdf(double z) {
     return boost::math::cdf(boost::math::normal_distribution<double>(0.0, 1.0), z);
+}
+
+double normal_upper(double z) {
+    return boost::math::cdf(
+        boost::math::complement(boost::math::normal_distribution<double>(0.0, 1.0), z));
 }
 
 double normal_inv(double p) {

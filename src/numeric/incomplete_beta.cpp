@@ -83,4 +83,10 @@ double f_cdf(double f, double df1, double df2) {
     return betai(df1 / 2.0, df2 / 2.0, f * df1 / (f * df1 + df2));
 }
 
+double f_upper(double f, double df1, double df2) {
+    if (!(f > 0.0))
+        return 1.0;
+    return betai(df2 / 2.0, df1 / 2.0, df2 / (f * df1 + df2));
+}
+
 }  // namespace zentable

@@ -7,5 +7,7 @@ double gammln(double x);
 double betacf(double a, double b, double x);
 double betai(double a, double b, double x);
 double f_cdf(double f, double df1, double df2);
+// 1 - f_cdf, taken directly.
+double f_upper(double f, double df1, double df2);
 
 }  // namespace zentable

@@ -175,7 +175,7 @@ CellMatrix forward_select_logistic_run(const XYW& data, const SelectionArgs& arg
     const std::string handle = logisticRegModelHandle_to_string(model);
     // All of x and the user's y, as logistic_reg evaluates its own model.
     BinaryEval eval;
-    model_binary_association(handle, data.x_names, data.x, data.y, data.weight, eval);
+    model_binary_association(handle, data.x_names, data.x, coded, data.weight, eval);
 
     const std::size_t s = names.size();
     const std::size_t top = 4 + s;
@@ -408,7 +408,7 @@ LogisticSelection logistic_forward_core(const dmat& x, const dvec& y, const dvec
                 }
             }
         }
-        const double pv = 1.0 - gammp(0.5, score * 0.5);
+        const double pv = gammq(0.5, score * 0.5);
         if (!is_forced &&
             (chosen < 0 || (score >= -kZeroTolerance && score <= kZeroTolerance) || pv > pvalue))
             break;

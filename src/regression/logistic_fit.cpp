@@ -212,7 +212,7 @@ void add_wald_tests(const dmat& hessian, LogisticFit& fit) {
         const double wald = z * z;
         fit.std_errors.push_back(se);
         fit.wald.push_back(wald);
-        fit.p_values.push_back(1.0 - gammp(0.5, wald * 0.5));
+        fit.p_values.push_back(gammq(0.5, wald * 0.5));
     }
 }
 

@@ -55,9 +55,10 @@ CellMatrix logistic_reg_run(const dmat& x, const dvec& y, const dvec& weight,
     // Filed only now, so that a failed fit leaves the store as it was.
     const handle_c<logisticRegModel> model(new logisticRegModel(names, fit.coefs, levels));
     const std::string handle = logisticRegModelHandle_to_string(model);
-    // The user's y, not the coded copy, as the evaluation reads it.
+    // The coded target, as the scores are: a target coded 1 and 2 evaluated
+    // raw would count its pairs against the wrong levels.
     BinaryEval eval;
-    model_binary_association(handle, names, x, y, weight, eval);
+    model_binary_association(handle, names, x, coded, weight, eval);
 
     r(0, 0) = handle;
     r(2, 0) = "Model Performance";

@@ -354,7 +354,7 @@ RegressionStats regression_stats(int n, int k, double sum_weight, double r_squar
     const double unexplained = 1 - r_square;
     if (k >= 2 && n > k && !(unexplained >= -kZeroTolerance && unexplained <= kZeroTolerance)) {
         st.f_value = (r_square / (1 - r_square)) * (n - k) / (k - 1);
-        st.p_value = 1 - f_cdf(st.f_value, k - 1, n - k);
+        st.p_value = f_upper(st.f_value, k - 1, n - k);
     }
     return st;
 }

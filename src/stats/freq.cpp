@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <map>
-#include <type_traits>
 
 #include "data/delimited_file.hpp"
 #include "xlw/cell_conversions.hpp"
@@ -27,31 +26,42 @@ bool read_include_missing(const CellMatrix& includeMissing) {
     return include == 1;
 }
 
-// Numbers each distinct key in the map's order, then codes every record.
-template <class Key, class Less, class KeyOf>
-void number_levels(const svec& texts, KeyOf key_of, FreqLevels& out) {
-    std::map<Key, int, Less> index;
-    for (const std::string& text : texts) {
-        if (!text.empty()) {
-            index.emplace(key_of(text), 0);
+// Numbers each distinct level, the numbers first and then the texts, each in
+// its map's order, then codes every record. `numeric` says whether numbers
+// are keyed by value; a text that is not a number always keys by its text.
+void number_levels(const svec& texts, bool numeric, FreqLevels& out) {
+    std::map<double, int, FreqKeyLess> by_value;
+    std::map<std::string, int> by_text;
+    std::vector<double> value_of(texts.size());
+    std::vector<char> is_value(texts.size(), 0);
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (texts[i].empty()) {
+            continue;
+        }
+        if (numeric && parse_number(texts[i], value_of[i])) {
+            is_value[i] = 1;
+            by_value.emplace(value_of[i], 0);
+        } else {
+            by_text.emplace(texts[i], 0);
         }
     }
     int next = 0;
-    for (auto& [key, level] : index) {
+    for (auto& [value, level] : by_value) {
         level = next++;
-        if constexpr (std::is_same_v<Key, double>) {
-            out.values.push_back(key);
-        } else {
-            out.labels.push_back(key);
-        }
+        out.values.push_back(value);
     }
-    out.counts.assign(index.size(), 0);
+    for (auto& [label, level] : by_text) {
+        level = next++;
+        out.labels.push_back(label);
+    }
+    out.counts.assign(static_cast<std::size_t>(next), 0);
     for (std::size_t i = 0; i < texts.size(); ++i) {
         if (texts[i].empty()) {
             ++out.missing;
             continue;
         }
-        const int level = index.find(key_of(texts[i]))->second;
+        const int level =
+            is_value[i] ? by_value.find(value_of[i])->second : by_text.find(texts[i])->second;
         out.codes[i] = level;
         ++out.counts[static_cast<std::size_t>(level)];
     }
@@ -79,11 +89,15 @@ double freq_numeric_key(const std::string& text) {
 }
 
 void FreqLevels::write(CellValue& cell, std::size_t i) const {
-    if (numeric) {
+    if (i < values.size()) {
         cell = values[i];
     } else {
-        cell = labels[i];
+        cell = labels[i - values.size()];
     }
+}
+
+std::string FreqLevels::text(std::size_t i) const {
+    return i < values.size() ? number_to_text(values[i]) : labels[i - values.size()];
 }
 
 FreqLevels make_freq_levels(const svec& texts) {
@@ -92,12 +106,7 @@ FreqLevels make_freq_levels(const svec& texts) {
     const auto first = std::find_if(texts.begin(), texts.end(),
                                     [](const std::string& text) { return !text.empty(); });
     out.numeric = first != texts.end() && is_number(*first);
-    if (out.numeric) {
-        number_levels<double, FreqKeyLess>(texts, freq_numeric_key, out);
-    } else {
-        number_levels<std::string, std::less<std::string>>(
-            texts, [](const std::string& text) { return text; }, out);
-    }
+    number_levels(texts, out.numeric, out);
     return out;
 }
 

@@ -20,14 +20,16 @@ CellMatrix freq_from_file(const std::string& filename, const CellMatrix& varName
 CellMatrix freq_report(const svec& names, const std::vector<svec>& columns, bool includeMissing);
 
 // The distinct values of a text column in report order. A column whose first
-// non-empty value is a number is keyed by value, otherwise by text; the empty
-// text is missing and has no level.
+// non-empty value is a number is keyed by value, ascending, and any text in
+// it that is not a number (NA, ".", n/a) is a level of its own, by text, after
+// the numbers; otherwise every value is keyed by text. The empty text is
+// missing and has no level.
 struct FreqLevels {
     static constexpr int kMissing = -1;
 
     bool numeric = false;
-    svec labels;              // the text of each level, for text keys
-    dvec values;              // the value of each level, for numeric keys
+    dvec values;              // the numeric levels, first
+    svec labels;              // the text levels, after them
     std::vector<int> counts;  // records at each level
     std::vector<int> codes;   // per record: its level, or kMissing
     int missing = 0;          // records with the empty text
@@ -35,6 +37,8 @@ struct FreqLevels {
     std::size_t size() const { return counts.size(); }
     // Writes level i as a number or a text, as it was keyed.
     void write(CellValue& cell, std::size_t i) const;
+    // Level i as text, a number at 16 significant digits.
+    std::string text(std::size_t i) const;
 };
 FreqLevels make_freq_levels(const svec& texts);
 

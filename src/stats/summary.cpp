@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <limits>
 #include <map>
+#include <optional>
 
 #include "data/delimited_file.hpp"
 #include "stats/freq.hpp"
@@ -48,12 +50,6 @@ std::string upper(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     return text;
-}
-
-void require_numeric(const MixedTable& x) {
-    if (x.column_types.find('C') != std::string::npos) {
-        throw kXNumeric;
-    }
 }
 
 bool read_nway_all(const CellMatrix& nway) {
@@ -160,16 +156,27 @@ struct Group {
     std::vector<std::size_t> records;
 };
 
-double statistic(SummaryStatistic s, const std::vector<std::size_t>& records, const dmat& x,
-                 std::size_t p, const dvec& weight) {
-    double sum_weight = 0.0, sum = 0.0;
-    double low = x[records[0]][p], high = low;
+// A statistic of variable p over the group's records where it is present
+// (not NaN); empty where it has none, except the sum, which is 0.
+std::optional<double> statistic(SummaryStatistic s, const std::vector<std::size_t>& records,
+                                const dmat& x, std::size_t p, const dvec& weight) {
+    double sum_weight = 0.0, sum = 0.0, low = 0.0, high = 0.0, n = 0.0;
     for (std::size_t r : records) {
         const double value = x[r][p];
+        if (std::isnan(value)) {
+            continue;
+        }
+        if (n == 0.0) {
+            low = high = value;
+        }
+        n += 1.0;
         sum_weight += weight[r];
         sum += weight[r] * value;
         low = std::min(low, value);
         high = std::max(high, value);
+    }
+    if (n == 0.0) {
+        return s == SummaryStatistic::sum ? std::optional<double>(0.0) : std::nullopt;
     }
     const double avg = sum_weight != 0.0 ? sum / sum_weight : 0.0;
     switch (s) {
@@ -184,12 +191,14 @@ double statistic(SummaryStatistic s, const std::vector<std::size_t>& records, co
         case SummaryStatistic::stdev:
             break;
     }
-    const double n = static_cast<double>(records.size());
-    if (records.size() < 2 || sum_weight == 0.0) {
+    if (n < 2.0 || sum_weight == 0.0) {
         return 0.0;
     }
     double squares = 0.0;
     for (std::size_t r : records) {
+        if (std::isnan(x[r][p])) {
+            continue;
+        }
         const double d = x[r][p] - avg;
         squares += weight[r] * d * d;
     }
@@ -197,6 +206,46 @@ double statistic(SummaryStatistic s, const std::vector<std::size_t>& records, co
     // for one unweighted sample, so unit weights give the sample deviation.
     const double variance = squares / sum_weight * n / (n - 1.0);
     return std::sqrt(std::max(variance, 0.0));
+}
+
+// The analysis variables as numbers, a field or cell that is not a number
+// being missing (NaN), as in the other descriptive commands; a variable
+// without a single number is no analysis variable.
+MixedTable numeric_analysis(svec names, std::vector<dvec> columns) {
+    MixedTable out;
+    out.names = std::move(names);
+    const std::size_t p = columns.size();
+    const std::size_t rows = p == 0 ? 0 : columns[0].size();
+    out.row_count = static_cast<int>(rows);
+    for (std::size_t j = 0; j < p; ++j) {
+        if (std::all_of(columns[j].begin(), columns[j].end(),
+                        [](double v) { return std::isnan(v); })) {
+            throw kXNumeric;
+        }
+        out.column_types.push_back('N');
+        out.column_index.push_back(static_cast<int>(j));
+    }
+    out.numeric_rows.assign(rows, dvec(p));
+    out.text_rows.assign(rows, svec());
+    for (std::size_t i = 0; i < rows; ++i) {
+        for (std::size_t j = 0; j < p; ++j) {
+            out.numeric_rows[i][j] = columns[j][i];
+        }
+    }
+    return out;
+}
+
+MixedTable analysis_from_fields(const std::vector<svec>& fields, std::size_t first,
+                                const svec& names, char delimiter) {
+    std::vector<dvec> columns(names.size(), dvec(fields.size()));
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        for (std::size_t j = 0; j < names.size(); ++j) {
+            if (!parse_file_number(fields[i][first + j], delimiter, columns[j][i])) {
+                columns[j][i] = std::numeric_limits<double>::quiet_NaN();
+            }
+        }
+    }
+    return numeric_analysis(names, std::move(columns));
 }
 
 // A MixedTable over some fields of each record, each column typed by its first record.
@@ -299,8 +348,11 @@ CellMatrix summary_report(const MixedTable& classes, const MixedTable& x, const 
         t(row, k + 2) = sum_weight;
         for (std::size_t v = 0; v < p; ++v) {
             for (std::size_t s = 0; s < statistics.size(); ++s) {
-                t(row, first_stat + v * statistics.size() + s) =
+                const std::optional<double> value =
                     statistic(statistics[s], g.records, x.numeric_rows, v, weight);
+                if (value) {
+                    t(row, first_stat + v * statistics.size() + s) = *value;
+                }
             }
         }
         ++row;
@@ -312,8 +364,9 @@ CellMatrix summary_report(const MixedTable& classes, const MixedTable& x, const 
 CellMatrix summary(const CellMatrix& classVars, const CellMatrix& x, const CellMatrix& weight,
                    const CellMatrix& nway, const CellMatrix& output) {
     const MixedTable classes = read_mixed_table(classVars);
-    const MixedTable analysis = read_mixed_table(x);
-    require_numeric(analysis);
+    NamedColumns columns = read_columns_missing_as_nan(x);
+    const MixedTable analysis =
+        numeric_analysis(std::move(columns.names), std::move(columns.columns));
     dvec weights(static_cast<std::size_t>(classes.row_count), 1.0);
     if (!is_omitted(weight)) {
         std::string name;
@@ -359,8 +412,7 @@ CellMatrix summary_from_file(const std::string& filename, const CellMatrix& clas
         throw kEmptyTable;
     }
     const MixedTable classes = mixed_from_fields(fields, 0, class_names);
-    const MixedTable analysis = mixed_from_fields(fields, class_names.size(), x_names);
-    require_numeric(analysis);
+    const MixedTable analysis = analysis_from_fields(fields, class_names.size(), x_names, delim);
     dvec weights(fields.size(), 1.0);
     if (has_weight) {
         for (std::size_t r = 0; r < fields.size(); ++r) {

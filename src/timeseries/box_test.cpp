@@ -71,7 +71,7 @@ CellMatrix Box_white_noise_test(const CellMatrix& x, const CellMatrix& maxLag,
     const int df = lags - params;
     // A constant series has no autocorrelations; its NaN is kept away from
     // the series and the continued fraction, which end the process on it.
-    const double p_value = std::isnan(statistic) ? statistic : 1.0 - chi_square_cdf(statistic, df);
+    const double p_value = std::isnan(statistic) ? statistic : chi_square_upper(statistic, df);
 
     CellMatrix table(2, 4);
     table(0, 0) = ljung ? "Box-Ljung test" : "Box-Pierce test";

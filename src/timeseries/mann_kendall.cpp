@@ -164,7 +164,7 @@ CellMatrix Mann_Kendall_trend_test(const CellMatrix& x, const CellMatrix& freque
     } else if (count.s < 0) {
         z = (s + 1.0) / std::sqrt(variance);
     }
-    const double p_value = 2.0 * (1.0 - normal_cdf(std::fabs(z)));
+    const double p_value = 2.0 * normal_upper(std::fabs(z));
 
     CellMatrix table(7, 2);
     table(0, 0) = "Mann-Kendall trend test";

@@ -95,14 +95,16 @@ FlaggedColumns read_flagged_fields(const std::string& filename, const svec& name
     for (const std::string& name : names)
         columns.push_back(find_variable(head, name));
     LineReader reader(filename);
-    reader.read_line();
+    reader.read_record(delimiter);
+    Fields fields;
+    double value;
     for (std::size_t i = 0; i < out.records; ++i) {
-        const char* line = reader.read_line();
+        const char* line = reader.read_record(delimiter);
         if (complete[i])
             continue;
-        const svec fields = split_line(std::string(line, reader.length()), delimiter);
+        split_fields(std::string_view(line, reader.length()), delimiter, fields);
         for (std::size_t j = 0; j < columns.size(); ++j)
-            out.present[j][i] = is_number(fields[columns[j]]);
+            out.present[j][i] = parse_file_number(fields[columns[j]], delimiter, value);
     }
     return out;
 }

@@ -433,7 +433,9 @@ NamedTable read_table_numeric_headers_first_row(const CellMatrix& table) {
     return out;
 }
 
-NamedColumns read_columns_dropping_non_numbers(const CellMatrix& table) {
+namespace {
+
+NamedColumns read_named_columns(const CellMatrix& table, bool keep_missing) {
     if (has_no_cells(table)) {
         throw kEmptyTable;
     }
@@ -459,10 +461,22 @@ NamedColumns read_columns_dropping_non_numbers(const CellMatrix& table) {
             const CellValue& cell = table(i, j);
             if (cell.IsANumber()) {
                 out.columns[j].push_back(cell.NumericValue());
+            } else if (keep_missing) {
+                out.columns[j].push_back(std::numeric_limits<double>::quiet_NaN());
             }
         }
     }
     return out;
+}
+
+}  // namespace
+
+NamedColumns read_columns_dropping_non_numbers(const CellMatrix& table) {
+    return read_named_columns(table, false);
+}
+
+NamedColumns read_columns_missing_as_nan(const CellMatrix& table) {
+    return read_named_columns(table, true);
 }
 
 MixedTable read_mixed_table(const CellMatrix& table) {

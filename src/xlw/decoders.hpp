@@ -85,6 +85,8 @@ struct NamedColumns {
     std::vector<dvec> columns;
 };
 NamedColumns read_columns_dropping_non_numbers(const CellMatrix& table);
+// The same with every row kept: a cell that is not a number is NaN, missing.
+NamedColumns read_columns_missing_as_nan(const CellMatrix& table);
 
 struct MixedTable {
     svec names;

@@ -16,24 +16,6 @@
 namespace zentable::cli {
 namespace {
 
-// Line ends of either kind: a heredoc in a call file cannot write a carriage return.
-TEST(Driver, AFileReadAsCellsTakesCarriageReturnLineEnds) {
-    const std::string path = ::testing::TempDir() + "driver_crlf.csv";
-    std::ofstream(path, std::ios::binary) << "x,y\r\n1,\"3\"\r\n";
-    const CellMatrix cells = parse_value("@" + path, nullptr);
-    ASSERT_EQ(cells.RowsInStructure(), 2u);
-    ASSERT_EQ(cells.ColumnsInStructure(), 2u);
-    EXPECT_EQ(cells(0, 1).StringValue(), "y");
-    EXPECT_EQ(cells(1, 1).NumericValue(), 3.0);
-    std::remove(path.c_str());
-}
-
-}  // namespace
-}  // namespace zentable::cli
-
-namespace zentable::cli {
-namespace {
-
 TEST(Driver, NumbersPrintShortestAndReadBackExactly) {
     auto text = [](double v) { return cell_text(CellMatrix(v)(0, 0)); };
     EXPECT_EQ(text(34077421.54873547), "34077421.54873547");

@@ -182,9 +182,10 @@ TEST(Delimiter, FormsAndFailures) {
 TEST(SplitLine, DelimitersNewlinesAndBlankRuns) {
     using v = std::vector<std::string>;
     EXPECT_EQ(split_line("a,,b\n\n", ','), (v{"a", "", "b"}));
-    EXPECT_EQ(split_line("a,b,\n", ','), (v{"a", "b"}));
+    EXPECT_EQ(split_line("a,b,\n", ','), (v{"a", "b", ""}));
     EXPECT_EQ(split_line("\n", ','), (v{""}));
-    EXPECT_EQ(split_line("a,b\r\n", ','), (v{"a", "b\r"}));
+    EXPECT_EQ(split_line("a,b\r\n", ','), (v{"a", "b"}));
+    EXPECT_EQ(split_line("\"a,b\",\"c\"\"d\" , e\n", ','), (v{"a,b", "c\"d ", " e"}));
     EXPECT_EQ(split_line("   a  b   c  \n", ' '), (v{"a", "b", "c"}));
     EXPECT_EQ(split_line("a\tb", '\t'), (v{"a", "b"}));
     EXPECT_EQ(split_line("model.xml", '.'), (v{"model", "xml"}));
@@ -207,8 +208,8 @@ TEST(LineReader, ReadsLinesOfAnyLength) {
 }
 
 TEST(ReadXywFromFile, KeepsCompleteRecordsAndNamesItsFailures) {
-    // Head names are trimmed; a CR stays in the last field, which then is not
-    // a number; "1.5 " is missing but " 1.5" a number; other columns may hold anything.
+    // Head names are trimmed; a CRLF line end leaves its last field a number;
+    // "1.5 " is missing but " 1.5" a number; other columns may hold anything.
     const std::string path = temp_file("xyw.csv",
                                        " x1 ,x2,note, y ,w\n1, 1.5,ok,10,1\r\n2,1.5 "
                                        ",bad,20,1\n3,2.5,,30,2\n4,x,,40,1\n5,3.5,,50,x\n"
@@ -226,11 +227,11 @@ TEST(ReadXywFromFile, KeepsCompleteRecordsAndNamesItsFailures) {
     EXPECT_EQ(d.y, (dvec{10, 30, 50, 60}));
     EXPECT_EQ(d.weight, (dvec{1, 1, 1, 1}));
 
-    // With the weight in use, a weight that is text and the CR-ended first line go.
+    // With the weight in use, a weight that is text goes.
     const XYW w = read_xyw_from_file(path, row_of({"x1"}), text_cell("y"), text_cell("w"), ',');
     EXPECT_TRUE(w.has_weight);
-    EXPECT_EQ(w.y, (dvec{20, 30, 40, 60}));
-    EXPECT_EQ(w.weight, (dvec{1, 2, 1, 0.5}));
+    EXPECT_EQ(w.y, (dvec{10, 20, 30, 40, 60}));
+    EXPECT_EQ(w.weight, (dvec{1, 1, 2, 1, 0.5}));
 
     const CellMatrix none(1, 1);
     // A short line stops the reading with its number, a final empty line too.
@@ -294,9 +295,10 @@ TEST(Writers, AppendColumnsAndWriteTables) {
     const std::string in = temp_file("append_in.csv", "a,b\n1,2\n3,4\r\n5,6");
     const std::string out = ::testing::TempDir() + "append_out.csv";
     append_vector(in, out, {0.1, 2.0 / 3.0}, "score", ',');
-    EXPECT_EQ(slurp(out), "a,b,score\n1,2,0.1\n3,4\r,0.6666666666666666\n5,6,\n");
+    // A CRLF line end goes with the newline, not into the copied last field.
+    EXPECT_EQ(slurp(out), "a,b,score\n1,2,0.1\n3,4,0.6666666666666666\n5,6,\n");
     append_matrix(in, out, {{1, 2}, {3, 4}, {5, 6}}, {"p", "q"}, ';');
-    EXPECT_EQ(slurp(out), "a,b;p;q\n1,2;1;2\n3,4\r;3;4\n5,6;5;6\n");
+    EXPECT_EQ(slurp(out), "a,b;p;q\n1,2;1;2\n3,4;3;4\n5,6;5;6\n");
     EXPECT_EQ(thrown_text([&] { append_vector("/no/such.csv", out, {}, "s", ','); }),
               "Error: cannot open input file /no/such.csv");
     EXPECT_EQ(thrown_text([&] { append_vector(in, "/no/such/dir/out.csv", {}, "s", ','); }),
@@ -349,6 +351,20 @@ TEST(ReadXywFromFile, LargeFilesReadInHalvesKeepOrderAndLineNumbers) {
     const NumericColumns ys = read_numeric_columns(path, {"y"}, ',');
     EXPECT_EQ(ys.records, records);
     EXPECT_EQ(ys.values[0], d.y);
+
+    // A quoted note of many lines across the middle of the file: the second
+    // half, begun inside it, is read again from the end of the first.
+    std::string quoted = content;
+    const std::size_t centre = quoted.find('\n', quoted.size() / 2 - 60000) + 1;
+    const std::size_t note = quoted.find(",n,", centre) + 1;
+    std::string lines = "\"";
+    for (int i = 0; i < 6000; ++i)
+        lines += "a line of the note, with a comma\n";
+    quoted.replace(note, 1, lines + "\"");
+    const XYW q = read_xyw_from_file(temp_file("large_quoted.csv", quoted), row_of({"twice", "i"}),
+                                     text_cell("y"), CellMatrix(1, 1), ',');
+    EXPECT_EQ(q.x, d.x);
+    EXPECT_EQ(q.y, d.y);
 
     // A short line far into the second half, and a NUL that ends a line's text.
     std::string broken = content;
