@@ -1,5 +1,8 @@
 #include "commands/catalogue.hpp"
 #include "commands/utility.hpp"
+#include "data/sets.hpp"
+#include "data/sorting.hpp"
+#include "data/table_commands.hpp"
 #include "learners/discriminant.hpp"
 #include "learners/naive_bayes.hpp"
 #include "models/model_eval.hpp"
@@ -172,16 +175,18 @@ const std::vector<FunctionInfo>& catalogue() {
         // Data handling
         function("variable_list",
                  "Lists the variable names of the head line of a delimited data file, one per row",
-                 {oper("filename", kFilename), oper("delimiter", kDelimiter)}),
+                 {oper("filename", kFilename), oper("delimiter", kDelimiter)},
+                 command<&variable_list>()),
         function("subset",
                  "Keeps the columns of a table whose indicator is positive, with all of its rows",
                  {oper("inputData", "Table whose columns are to be selected"),
                   oper("indicator",
                        "One indicator per column, in one row or one column: 1 keeps the column, 0 "
-                       "drops it; columns beyond the indicators are dropped")}),
-        function("data_info",
-                 "Reports the number of records and the variables of a delimited data file",
-                 {oper("filename", kFilename), oper("delimiter", kDelimiter)}),
+                       "drops it; columns beyond the indicators are dropped")},
+                 command<&subset>()),
+        function(
+            "data_info", "Reports the number of records and the variables of a delimited data file",
+            {oper("filename", kFilename), oper("delimiter", kDelimiter)}, command<&data_info>()),
         function(
             "data_lookup",
             "Looks up each row of keys in a data table by the columns they share and returns "
@@ -192,11 +197,13 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("dataTable", "Table to search, with its column names in the first row"),
              oper("columnIndexesForOutput",
                   "Column numbers of dataTable, from 1, to return for each row of keys, in one "
-                  "row or one column. Optional: omit for every column. Default: all columns")}),
+                  "row or one column. Optional: omit for every column. Default: all columns")},
+            command<&data_lookup>()),
         function("data_save", "Writes a table to a delimited text file, one line per row",
                  {oper("inputData", "Table to write; numbers are written to 16 significant digits"),
                   oper("filename", "Path of the file to write; an existing file is replaced"),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&data_save>()),
         function(
             "data_load",
             "Reads variables of a delimited data file into a table with the names in the first "
@@ -208,7 +215,8 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("numRecords",
                   "Number of records to read from the start of the file, a positive integer. "
                   "Optional: omit for every record. Default: all records"),
-             oper("delimiter", kDelimiter)}),
+             oper("delimiter", kDelimiter)},
+            command<&data_load>()),
         function("data_partition",
                  "Draws the rows of one part of a random partition of a table, with its header row",
                  {oper("inputData", "Table to partition, with its header in the first row"),
@@ -218,16 +226,19 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("part", "Number of the part to return, from 1 to the number of fractions"),
                   oper("seed",
                        "Seed of the random number generator, a non-negative integer; 0 uses the "
-                       "timer, and one seed gives parts that cover the table without overlap")}),
+                       "timer, and one seed gives parts that cover the table without overlap")},
+                 command<&data_partition>()),
         function("data_sort",
                  "Sorts the rows of a table by key columns, each in ascending or descending order",
                  {oper("inputData", "Table to sort, with its column names in the first row"),
                   oper("keys",
                        "Two columns: the names of the key columns in order of precedence, and 1 "
-                       "for ascending or -1 for descending order")}),
+                       "for ascending or -1 for descending order")},
+                 command<&data_sort>()),
         function("data_fill", "Fills the empty cells of a table with a value",
                  {oper("inputData", "Table whose empty cells are to be filled"),
-                  oper("value", "Value to put in every empty cell, in one cell")}),
+                  oper("value", "Value to put in every empty cell, in one cell")},
+                 command<&data_fill>()),
         function(
             "sort_file",
             "Sorts the records of a delimited data file by key variables and writes them under "
@@ -239,7 +250,8 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("outfilename",
                   "Path of the sorted file, in one cell. Optional: omit to rewrite the input "
                   "file. Default: filename"),
-             oper("delimiter", kDelimiter)}),
+             oper("delimiter", kDelimiter)},
+            command<&sort_file>()),
         function("merge_tables",
                  "Joins the rows of two tables on equal numeric keys, each row of the first with "
                  "the first match in the second, and returns the chosen columns of both",
@@ -250,7 +262,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("output1",
                        "Column numbers of table1 to return, from 1, in one row or one column"),
                   oper("output2",
-                       "Column numbers of table2 to return, from 1, in one row or one column")}),
+                       "Column numbers of table2 to return, from 1, in one row or one column")},
+                 command<&merge_tables>()),
         function("rank_items",
                  "Returns the items whose ranks by key lie between two ranks, in order of rank",
                  {oper("keys", "Column of the numbers by which the items are ranked"),
@@ -262,13 +275,15 @@ const std::vector<FunctionInfo>& catalogue() {
                        "rankFrom alone. Default: rankFrom"),
                   oper("order",
                        "1 ranks the largest key first, -1 the smallest. Optional: omit for the "
-                       "largest first. Default: 1")}),
+                       "largest first. Default: 1")},
+                 command<&rank_items>()),
         function(
             "split_str", "Splits a text at a delimiter into a column of trimmed pieces",
             {oper("text", "Text to split, in one cell"),
              oper("delimiter",
                   "Character that separates the pieces: a character, or \\t for a tab, \\s for "
-                  "a blank. Optional: omit for a comma. Default: ,")}),
+                  "a blank. Optional: omit for a comma. Default: ,")},
+            command<&split_str>()),
 
         // Descriptive statistics
         function("ranks",
@@ -444,18 +459,22 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("m3", "Third raw moment")}),
         function("set",
                  "Lists the distinct values of a table in sorted order, texts before numbers",
-                 {oper("matrix", "Table of values; a number and a text are different elements")}),
+                 {oper("matrix", "Table of values; a number and a text are different elements")},
+                 command<&set>()),
         function("set_union", "Lists the values that are in either of two sets, in sorted order",
                  {oper("set1", "First set, a table of values"),
-                  oper("set2", "Second set, a table of values")}),
+                  oper("set2", "Second set, a table of values")},
+                 command<&set_union>()),
         function("set_intersection",
                  "Lists the values that are in both of two sets, in sorted order",
                  {oper("set1", "First set, a table of values"),
-                  oper("set2", "Second set, a table of values")}),
+                  oper("set2", "Second set, a table of values")},
+                 command<&set_intersection>()),
         function("set_difference",
                  "Lists the values of the first set that are not in the second, in sorted order",
                  {oper("set1", "First set, a table of values"),
-                  oper("set2", "Second set, a table of values")}),
+                  oper("set2", "Second set, a table of values")},
+                 command<&set_difference>()),
 
         // Model evaluation and scoring
         function(

@@ -477,6 +477,23 @@ const char* LineReader::read_record(char delimiter) {
     return line_.data();
 }
 
+std::size_t record_end(std::string_view text, std::size_t start, char delimiter) {
+    std::size_t end = start;
+    bool quoted = false;
+    for (;;) {
+        const void* newline = std::memchr(text.data() + end, '\n', text.size() - end);
+        const std::size_t line_end =
+            newline ? static_cast<std::size_t>(static_cast<const char*>(newline) - text.data()) + 1
+                    : text.size();
+        quoted = quoted || std::memchr(text.data() + end, '"', line_end - end) != nullptr;
+        end = line_end;
+        if (!quoted || !ends_in_open_quote(text.substr(start, end - start), delimiter))
+            return end;
+        if (end == text.size())
+            return std::string_view::npos;
+    }
+}
+
 namespace {
 
 long long file_size(const std::string& filename) {

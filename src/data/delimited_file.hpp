@@ -47,6 +47,11 @@ struct Fields : std::vector<std::string_view> {
 void split_fields(std::string_view record, char delimiter, Fields& fields);
 std::vector<std::string> split_line(const std::string& line, char delimiter);
 
+// The end of the record that starts at `start` of a text held whole: past
+// its newline, and past those of a quoted field that spans lines, as
+// LineReader::read_record reads it; npos when the text ends inside a quote.
+std::size_t record_end(std::string_view text, std::size_t start, char delimiter);
+
 // Reads a file line by line with no limit on a line's length, optionally
 // only the lines that start in the byte range [begin, end). Each line is
 // copied into a buffer that starts at 1024 bytes and doubles whenever a line
