@@ -102,6 +102,13 @@ class FileText {
     std::string_view text_;
 };
 
+// A quote opens a quoted field only at the field's start, after blanks, as
+// the file layer reads it: one inside a text (5'3") is a character.
+bool opens_quote(const std::string& field_so_far, bool quoted) {
+    return !quoted && std::all_of(field_so_far.begin(), field_so_far.end(),
+                                  [](char c) { return c == ' ' || c == '\t'; });
+}
+
 // Calls on_field(text) for each field of the file's text in order, and
 // on_row() after each line that has one; a line with no field is no row, but
 // a line of two quotes is one empty field (a missing value in a file of one
@@ -144,8 +151,10 @@ void walk_fields(std::string_view s, char delimiter, const std::string& path, On
             if (in_quotes && c == '"' && i + 1 < s.size() && s[i + 1] == '"') {
                 copy += '"';
                 ++i;
-            } else if (c == '"') {
-                in_quotes = !in_quotes;
+            } else if (c == '"' && in_quotes) {
+                in_quotes = false;
+            } else if (c == '"' && opens_quote(copy, quoted)) {
+                in_quotes = true;
                 quoted = true;
             } else if (c != '\r' || in_quotes) {
                 copy += c;

@@ -105,9 +105,13 @@ TEST(FileRules, QuotedFieldsHoldDelimitersLineBreaksAndQuotes) {
     ASSERT_EQ(cells.RowsInStructure(), 4u);
     EXPECT_EQ(cell_to_text(cells(3, 1)), "Ng\nsecond line");
     EXPECT_EQ(cells(3, 2).NumericValue(), 3.25);
-    // A quote inside an unquoted text is a character; an open quote at the
-    // end of the file is a failure in words.
-    EXPECT_EQ(split_line("5'3\",a", ','), (std::vector<std::string>{"5'3\"", "a"}));
+    // A quote inside an unquoted text is a character, on both routes; an open
+    // quote at the end of the file is a failure in words.
+    const std::string stray = file_of("stray.csv", "id,name,x,y\n1,5'3\" tall,1.5,10\n");
+    EXPECT_EQ(read_text_columns(stray, {"name"}, ',')[0], (svec{"5'3\" tall"}));
+    const CellMatrix stray_cells = read_cells_file(stray);
+    EXPECT_EQ(cell_to_text(stray_cells(1, 1)), "5'3\" tall");
+    EXPECT_EQ(stray_cells(1, 2).NumericValue(), 1.5);
     const std::string open = file_of("open.csv", "a,b\n1,\"never closed\n");
     try {
         read_text_columns(open, {"b"}, ',');
