@@ -14,8 +14,7 @@ DIR=$BUILD/bench/survival
 mkdir -p "$DIR"
 [ -f "$DIR/group.csv" ] || "$BUILD/bench/make_survival_files" "$DIR" 1000000
 cat "$DIR"/days.csv "$DIR"/status.csv "$DIR"/group.csv >/dev/null  # the same warm page cache for every run
-best() { sort -n | head -1; }
-ratio() { echo "$1 $2" | awk '{printf "%.2f", $1 / $2}'; }
+. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
 echo "10^6 records in three files; $(nproc) cores, $(free -g | awk '/Mem/{print $2}') GiB"
 
 zentable=$(for i in 1 2 3; do

@@ -12,8 +12,7 @@ DIR=$(mktemp -d)
 trap 'rm -rf "$DIR"' EXIT
 "$BUILD/bench/programming_bench" --write "$DIR"
 echo "machine: $(nproc) cores, $(free -g | awk '/Mem/{print $2}') GiB"
-best() { sort -n | head -1; }
-ratio() { echo "$1 $2" | awk '{printf "%.2f", $1 / $2}'; }
+. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
 whole() {  # best of three wall times of a whole process
     for i in 1 2 3; do
         /usr/bin/time -f "%e" "$@" 2>&1 >/dev/null | tail -1

@@ -63,17 +63,7 @@ cut -d, -f2 "$LO" >"$DIR/bench_lowess_y.csv"
 cat "$HP" "$LO" "$HW" >/dev/null  # the same warm page cache for every run
 echo "machine: $(nproc) cores, $(free -g | awk '/Mem/{print $2}') GiB, load $(cut -d' ' -f1 /proc/loadavg); best of 3"
 
-best() { sort -n | head -1; }
-wall() {  # wall time of a whole command, best of 3
-    for i in 1 2 3; do /usr/bin/time -f "%e" "$@" 2>&1 >/dev/null | tail -1; done | best
-}
-inside() {  # the last line a peer prints: its own in-process time, best of 3
-    for i in 1 2 3; do "$@" 2>/dev/null | tail -1; done | best
-}
-ratio() { echo "$1 $2" | awk '{printf "%.2f", $1 / $2}'; }
-report() {  # NAME ZENTABLE_SECONDS PEER_NAME PEER_SECONDS
-    echo "$1: zentable $2 s, $3 $4 s, ratio $3 / zentable $(ratio "$4" "$2")"
-}
+. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
 own() {  # the real time of one smoothing_bench case, in seconds
     "$DIR/smoothing_bench" --benchmark_filter="^$1/" --benchmark_repetitions=3 \
         --benchmark_report_aggregates_only=true --benchmark_format=csv 2>/dev/null |

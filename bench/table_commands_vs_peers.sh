@@ -14,8 +14,7 @@ DIR=$BUILD/bench/tables
 mkdir -p "$DIR"
 [ -f "$DIR/merge2.csv" ] || "$BUILD/bench/make_table_files" "$DIR"
 cat "$DIR"/*.csv >/dev/null  # the same warm page cache for every run
-best() { sort -n | head -1; }
-ratio() { echo "$1 $2" | awk '{printf "%.2f", $1 / $2}'; }
+. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
 # The whole process, best of 3, in seconds.
 timed() {
     for i in 1 2 3; do

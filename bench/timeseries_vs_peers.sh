@@ -55,17 +55,7 @@ PYEOF
 cat "$AR" "$WALK" >/dev/null  # the same warm page cache for every run
 echo "machine: $(nproc) cores, $(free -g | awk '/Mem/{print $2}') GiB; best of 3 wall times"
 
-best() { sort -n | head -1; }
-wall() {  # wall time of a whole command, best of 3
-    for i in 1 2 3; do /usr/bin/time -f "%e" "$@" 2>&1 >/dev/null | tail -1; done | best
-}
-inside() {  # the last line a peer prints: its own in-process time, best of 3
-    for i in 1 2 3; do "$@" 2>/dev/null | tail -1; done | best
-}
-ratio() { echo "$1 $2" | awk '{printf "%.2f", $1 / $2}'; }
-report() {  # NAME ZENTABLE_SECONDS PEER_NAME PEER_SECONDS
-    echo "$1: zentable $2 s, $3 $4 s, ratio $3 / zentable $(ratio "$4" "$2")"
-}
+. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
 
 Z=$BUILD/zentable
 acf=$(wall "$Z" call ts_acf "@$AR" 100 --format csv)

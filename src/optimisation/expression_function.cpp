@@ -225,6 +225,17 @@ svec concatenated(const svec& first, const svec& second) {
 
 }  // namespace
 
+dvec BoundExpression::values_at_rows(const dvec& parameters, const dmat& rows,
+                                     std::size_t parameter_count) const {
+    set_inputs(parameters, 0);
+    dvec out(rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        set_inputs(rows[i], parameter_count);
+        out[i] = evaluate();
+    }
+    return out;
+}
+
 GenericFunction2::GenericFunction2(const std::string& text, const std::string& tableName,
                                    const svec& parameterNames, const svec& columnNames, dmat rows,
                                    dvec y, dvec weight, bool strict)
@@ -247,13 +258,7 @@ double GenericFunction2::operator()(dvec parameters) const {
 }
 
 dvec GenericFunction2::predict(dvec parameters) const {
-    set_inputs(parameters, 0);
-    dvec out(rows_.size());
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-        set_inputs(rows_[i], parameter_count_);
-        out[i] = evaluate();
-    }
-    return out;
+    return values_at_rows(parameters, rows_, parameter_count_);
 }
 
 GenericFunction_Sum::GenericFunction_Sum(const std::string& text, const std::string& tableName,
@@ -276,13 +281,7 @@ double GenericFunction_Sum::operator()(dvec parameters) const {
 }
 
 dvec GenericFunction_Sum::predict(dvec parameters) const {
-    set_inputs(parameters, 0);
-    dvec out(rows_.size());
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-        set_inputs(rows_[i], parameter_count_);
-        out[i] = evaluate();
-    }
-    return out;
+    return values_at_rows(parameters, rows_, parameter_count_);
 }
 
 GenericIntegralFunction::GenericIntegralFunction(const std::string& text)

@@ -61,6 +61,9 @@ class BoundExpression {
         }
     }
     double evaluate() const;
+    // f at each row: the parameters bound first, each row's columns after them.
+    dvec values_at_rows(const dvec& parameters, const dmat& rows,
+                        std::size_t parameter_count) const;
 
     mutable dvec values_;
     std::vector<int> positions_;
