@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "commands/notes.hpp"
 #include "driver.hpp"
 #include "driver_error.hpp"
 
@@ -136,6 +137,9 @@ int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& e
 }  // namespace
 
 int run_command_line(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+    // Standard output carries only tables, in every format; a command's notes
+    // go to standard error, each on a line of its own.
+    const ScopedNoteSink notes([&err](const std::string& line) { err << line << '\n'; });
     try {
         return run(args, out, err);
     } catch (const UsageError& e) {

@@ -3,7 +3,9 @@
 // categorical columns and some missing values. loans.csv, beside it: 240
 // loans followed quarter by quarter until default, early repayment or the end
 // of observation. prices.csv: a monthly price index over 12 years and its
-// monthly change. The draws use only the raw 32-bit output of std::mt19937,
+// monthly change. returns.csv: three years of daily returns of a share whose
+// variance clusters. sales.csv: monthly sales over 12 years with a trend and
+// a season of 12 months. The draws use only the raw 32-bit output of std::mt19937,
 // which the standard fixes, so every platform writes the same files.
 #include <cmath>
 #include <cstdio>
@@ -97,6 +99,61 @@ bool write_prices(const std::string& path) {
     return std::fclose(out) == 0;
 }
 
+// Daily returns over three years whose variance follows GARCH(1, 1) with
+// omega 2e-6, alpha 0.08 and beta 0.9, starting at its long-run level: quiet
+// and turbulent spells that a constant variance would miss.
+bool write_returns(const std::string& path) {
+    std::FILE* out = std::fopen(path.c_str(), "w");
+    if (!out) {
+        std::fprintf(stderr, "cannot write %s\n", path.c_str());
+        return false;
+    }
+    std::mt19937 returns(20261130u);
+    auto draw = [&] { return (returns() + 0.5) / 4294967296.0; };
+    std::fprintf(out, "day,return\n");
+    const double omega = 2e-6, alpha = 0.08, beta = 0.9;
+    double variance = omega / (1.0 - alpha - beta);
+    double previous = 0.0;
+    for (int day = 1; day <= 750; ++day) {
+        const double u1 = draw(), u2 = draw();
+        const double shock = std::sqrt(-2.0 * std::log(u1)) * std::cos(6.283185307179586 * u2);
+        variance = omega + alpha * previous * previous + beta * variance;
+        previous = std::round(std::sqrt(variance) * shock * 1e6) / 1e6;
+        std::fprintf(out, "%d,%.6f\n", day, previous);
+    }
+    return std::fclose(out) == 0;
+}
+
+// Monthly sales over 12 years: a season of 12 months about a rising level,
+// the airline model (1 - B)(1 - B^12) x = (1 - 0.4B)(1 - 0.6B^12) a with a of
+// standard deviation 2, so that a seasonal ARIMA fits and forecasts it.
+bool write_sales(const std::string& path) {
+    std::FILE* out = std::fopen(path.c_str(), "w");
+    if (!out) {
+        std::fprintf(stderr, "cannot write %s\n", path.c_str());
+        return false;
+    }
+    std::mt19937 sales(20261131u);
+    auto draw = [&] { return (sales() + 0.5) / 4294967296.0; };
+    const double season[12] = {-8, -10, -2, 1, 4, 7, 9, 8, 3, -1, -4, -7};
+    std::fprintf(out, "month,sales\n");
+    double a[14] = {0};  // the shocks of the last 14 months, newest first
+    double x[14] = {0};  // the deviations from level and season, likewise
+    for (int month = 1; month <= 144; ++month) {
+        const double u1 = draw(), u2 = draw();
+        for (int k = 13; k > 0; --k) {
+            a[k] = a[k - 1];
+            x[k] = x[k - 1];
+        }
+        a[0] = 2.0 * std::sqrt(-2.0 * std::log(u1)) * std::cos(6.283185307179586 * u2);
+        const double w = a[0] - 0.4 * a[1] - 0.6 * a[12] + 0.24 * a[13];
+        x[0] = w + x[1] + x[12] - x[13];
+        const double level = 200.0 + 0.5 * month + season[(month - 1) % 12];
+        std::fprintf(out, "%d,%.1f\n", month, level + x[0]);
+    }
+    return std::fclose(out) == 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -106,6 +163,10 @@ int main(int argc, char** argv) {
     if (!write_loans(folder + "loans.csv"))
         return 1;
     if (!write_prices(folder + "prices.csv"))
+        return 1;
+    if (!write_returns(folder + "returns.csv"))
+        return 1;
+    if (!write_sales(folder + "sales.csv"))
         return 1;
     std::FILE* out = std::fopen(path, "w");
     if (!out) {

@@ -5,20 +5,30 @@
 #include "data/table_commands.hpp"
 #include "learners/discriminant.hpp"
 #include "learners/naive_bayes.hpp"
+#include "learners/neural_net.hpp"
 #include "models/model_eval.hpp"
 #include "models/scoring.hpp"
 #include "multivariate/k_means.hpp"
 #include "multivariate/kaplan_meier.hpp"
 #include "multivariate/pca.hpp"
 #include "multivariate/scaling.hpp"
+#include "numeric/fft.hpp"
+#include "numeric/gauss_quadrature.hpp"
 #include "numeric/latin_hypercube.hpp"
+#include "numeric/matrix_algebra.hpp"
+#include "numeric/matrix_factor.hpp"
 #include "numeric/matrix_random.hpp"
+#include "numeric/matrix_reshape.hpp"
+#include "numeric/matrix_stats.hpp"
+#include "numeric/polynomials.hpp"
 #include "numeric/prob_functions.hpp"
 #include "numeric/sequences.hpp"
+#include "optimisation/diff_evol.hpp"
 #include "optimisation/function_eval.hpp"
 #include "optimisation/lcp.hpp"
 #include "optimisation/linear_prog.hpp"
 #include "optimisation/netflow.hpp"
+#include "optimisation/nls_solver.hpp"
 #include "regression/forward_select.hpp"
 #include "regression/linear_reg.hpp"
 #include "regression/linear_reg_variants.hpp"
@@ -32,12 +42,16 @@
 #include "stats/summary.hpp"
 #include "stats/variable_corr_select.hpp"
 #include "timeseries/adf_test.hpp"
+#include "timeseries/arima.hpp"
+#include "timeseries/arma_transforms.hpp"
 #include "timeseries/box_test.hpp"
 #include "timeseries/correlograms.hpp"
 #include "timeseries/filters.hpp"
+#include "timeseries/garch.hpp"
 #include "timeseries/holt_winters.hpp"
 #include "timeseries/lowess.hpp"
 #include "timeseries/mann_kendall.hpp"
+#include "timeseries/stochastic_process.hpp"
 #include "trees/tree.hpp"
 #include "trees/tree_boosting.hpp"
 #include "woe/woe_transform.hpp"
@@ -438,7 +452,8 @@ const std::vector<FunctionInfo>& catalogue() {
                  "Finds the real and complex roots of a polynomial from its coefficients",
                  {oper("coefs",
                        "Coefficients c0, c1, up to cn of the powers 0 to n, in one row or one "
-                       "column")}),
+                       "column")},
+                 command<&poly_roots>()),
         function(
             "poly_prod", "Multiplies two polynomials given by their coefficients",
             {oper("a",
@@ -446,17 +461,20 @@ const std::vector<FunctionInfo>& catalogue() {
                   "column"),
              oper("b",
                   "Coefficients of the second polynomial from the power 0 up, in one row or "
-                  "one column")}),
+                  "one column")},
+            command<&poly_prod>()),
         function("Lagrange_interpolation",
                  "Finds the coefficients of the polynomial through given points by Lagrange "
-                 "interpolation",
+                 "interpolation, with its text such as 1 - 2.5*x + 3*x^2",
                  {oper("x", "One column of the x values of the points"),
-                  oper("y", "One column of the y values of the points, of the size of x")}),
+                  oper("y", "One column of the y values of the points, of the size of x")},
+                 command<&Lagrange_interpolation>()),
         function("three_moment_match_to_SLN",
                  "Finds the shifted lognormal distribution whose first three raw moments match "
                  "given ones",
                  {oper("m1", "First raw moment, the mean"), oper("m2", "Second raw moment"),
-                  oper("m3", "Third raw moment")}),
+                  oper("m3", "Third raw moment")},
+                 command<&three_moment_match_to_SLN>()),
         function("set",
                  "Lists the distinct values of a table in sorted order, texts before numbers",
                  {oper("matrix", "Table of values; a number and a text are different elements")},
@@ -906,12 +924,14 @@ const std::vector<FunctionInfo>& catalogue() {
                        "Start value of alpha, non-negative. Optional: omit for 0.1. Default: 0.1"),
                   oper("initialBeta",
                        "Start value of beta, non-negative, with alpha + beta at most 1. Optional: "
-                       "omit for 0.85. Default: 0.85")}),
+                       "omit for 0.85. Default: 0.85")},
+                 command<&garch>()),
         function("stochastic_process",
                  "Fits a normal, lognormal or shifted lognormal process to a path by maximum "
                  "likelihood",
                  {oper("x", "Column of the path with its name in the first cell"),
-                  oper("process", "NORMAL, LOGNORMAL or SHIFTEDLOGNORMAL")}),
+                  oper("process", "NORMAL, LOGNORMAL or SHIFTEDLOGNORMAL")},
+                 command<&stochastic_process>()),
         function("stochastic_process_simulate",
                  "Simulates a path of a normal, lognormal or shifted lognormal process",
                  {oper("process", "N (NORMAL), LN (LOGNORMAL) or SLN (SHIFTEDLOGNORMAL)"),
@@ -924,7 +944,8 @@ const std::vector<FunctionInfo>& catalogue() {
                        "Shift of the shifted lognormal process. Optional: omit for 0. Default: 0"),
                   oper("seed",
                        "Seed of the random number generator, a non-negative integer; 0 uses the "
-                       "timer. Optional: omit for the timer. Default: 0")}),
+                       "timer. Optional: omit for the timer. Default: 0")},
+                 command<&stochastic_process_simulate>()),
         function("Holt_Winters",
                  "Fits Holt-Winters exponential smoothing to a series and forecasts it",
                  {oper("x",
@@ -993,7 +1014,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("maxNumGenerations", kMaxNumGenerations), oper("seed", kEvolutionSeed),
                   oper("showDetails",
                        "TRUE adds the trail of the search. Optional: omit to leave it out. "
-                       "Default: FALSE")}),
+                       "Default: FALSE")},
+                 command<&arima>()),
         function("sarima",
                  "Fits a seasonal ARIMA model to a series by conditional least squares, with "
                  "standard errors and forecasts",
@@ -1027,12 +1049,14 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("maxNumGenerations", kMaxNumGenerations), oper("seed", kEvolutionSeed),
                   oper("showDetails",
                        "TRUE adds the trail of the search. Optional: omit to leave it out. "
-                       "Default: FALSE")}),
+                       "Default: FALSE")},
+                 command<&sarima>()),
         function("arima_forecast", "Forecasts a series by an ARIMA model with given coefficients",
                  {oper("x", kSeries),
                   oper("numForecast", "Number of points to forecast, a positive integer"),
                   oper("mean", "Mean of the process. Optional: omit for 0. Default: 0"),
-                  oper("ar", kAr), oper("d", kD), oper("ma", kMa), oper("sigma", kSigma)}),
+                  oper("ar", kAr), oper("d", kD), oper("ma", kMa), oper("sigma", kSigma)},
+                 command<&arima_forecast>()),
         function(
             "sarima_forecast",
             "Forecasts a series by a seasonal ARIMA model with given coefficients",
@@ -1041,14 +1065,16 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("mean", "Mean of the process. Optional: omit for 0. Default: 0"), oper("ar", kAr),
              oper("d", kD), oper("ma", kMa), oper("seasonalPeriod", kSeasonalPeriod),
              oper("seasonalAR", kSeasonalAR), oper("seasonalD", kSeasonalD),
-             oper("seasonalMA", kSeasonalMA), oper("sigma", kSigma)}),
+             oper("seasonalMA", kSeasonalMA), oper("sigma", kSigma)},
+            command<&sarima_forecast>()),
         function("arima_simulate", "Simulates a path of an ARIMA process with given coefficients",
                  {oper("numPoints", "Number of points to simulate, a positive integer"),
                   oper("mean", "Optional: mean of the process. Default: 0"), oper("ar", kAr),
                   oper("d", kD), oper("ma", kMa), oper("sigma", kSigma),
                   oper("seed",
                        "Seed of the random number generator, a non-negative integer; 0 uses the "
-                       "timer. Optional: omit for the timer. Default: 0")}),
+                       "timer. Optional: omit for the timer. Default: 0")},
+                 command<&arima_simulate>()),
         function(
             "sarima_simulate",
             "Simulates a path of a seasonal ARIMA process with given coefficients",
@@ -1059,23 +1085,27 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("seasonalMA", kSeasonalMA), oper("sigma", kSigma),
              oper("seed",
                   "Seed of the random number generator, a non-negative integer; 0 uses the "
-                  "timer. Optional: omit for the timer. Default: 0")}),
+                  "timer. Optional: omit for the timer. Default: 0")},
+            command<&sarima_simulate>()),
         function(
             "arma_to_ma", "Expands an ARMA process into the weights of its pure MA form",
             {oper("ar", kAr), oper("ma", kMa),
              oper("maxLag",
-                  "Number of MA weights, a positive integer. Optional: omit for 10. Default: 10")}),
+                  "Number of MA weights, a positive integer. Optional: omit for 10. Default: 10")},
+            command<&arma_to_ma>()),
         function(
             "arma_to_ar", "Expands an ARMA process into the weights of its pure AR form",
             {oper("ar", kAr), oper("ma", kMa),
              oper("maxLag",
-                  "Number of AR weights, a positive integer. Optional: omit for 10. Default: 10")}),
-        function(
-            "acf_of_arma", "Computes the theoretical autocorrelations of an ARMA process",
-            {oper("ar", kAr), oper("ma", kMa), oper("sigma", kSigma), oper("maxLag", kMaxLag)}),
+                  "Number of AR weights, a positive integer. Optional: omit for 10. Default: 10")},
+            command<&arma_to_ar>()),
+        function("acf_of_arma", "Computes the theoretical autocorrelations of an ARMA process",
+                 {oper("ar", kAr), oper("ma", kMa), oper("sigma", kSigma), oper("maxLag", kMaxLag)},
+                 command<&acf_of_arma>()),
         function("ddacf_of_arma",
                  "Computes the theoretical autocovariances of an ARMA process at the lags it needs",
-                 {oper("ar", kAr), oper("ma", kMa), oper("sigma", kSigma)}),
+                 {oper("ar", kAr), oper("ma", kMa), oper("sigma", kSigma)},
+                 command<&ddacf_of_arma>()),
         function("detect_outlier",
                  "Flags the points of a series that lie too many standard deviations from the mean "
                  "of the points before them",
@@ -1262,7 +1292,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   "omit to test on the training data. Default: y"),
              oper("weightTest",
                   "Column of test record weights with its name in the first cell. Optional: "
-                  "omit for equal weights. Default: 1.0 for every record")}),
+                  "omit for equal weights. Default: 1.0 for every record")},
+            command<&neural_net>()),
         function("neural_net_from_file",
                  "Trains a feed-forward neural network on a delimited data file, and files the "
                  "model",
@@ -1291,7 +1322,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("weightTestName",
                        "Name of the weight variable in the test file. Optional: omit for equal "
                        "weights. Default: 1.0 for every record"),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&neural_net_from_file>()),
         function(
             "svm",
             "Trains a support vector machine for classification or regression, and files the "
@@ -1380,23 +1412,27 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("params",
                        "Parameter names and initial values in two columns, with minimum and "
                        "maximum values in two more if they are bounded"),
-                  oper("x", kDataWithHeaders), oper("y", kY), oper("weight", kWeight)}),
+                  oper("x", kDataWithHeaders), oper("y", kY), oper("weight", kWeight)},
+                 command<&nls_solver>()),
         function("diff_evol_solver",
                  "Minimises an expression over a box of its variables by differential evolution",
                  {oper("func", kFunc), oper("lowerAndUpperBound", kBounds),
-                  oper("maxNumGenerations", kMaxNumGenerations), oper("seed", kEvolutionSeed)}),
+                  oper("maxNumGenerations", kMaxNumGenerations), oper("seed", kEvolutionSeed)},
+                 command<&diff_evol_solver>()),
         function("diff_evol_min_solver",
                  "Minimises the weighted sum of an expression over the rows of a data table by "
                  "differential evolution",
                  {oper("func", kFunc), oper("lowerAndUpperBound", kBounds),
                   oper("x", kDataWithHeaders), oper("weight", kWeight),
-                  oper("maxNumGenerations", kMaxNumGenerations), oper("seed", kEvolutionSeed)}),
+                  oper("maxNumGenerations", kMaxNumGenerations), oper("seed", kEvolutionSeed)},
+                 command<&diff_evol_min_solver>()),
         function("diff_evol_nls_solver",
                  "Fits the parameters of an expression to data by weighted least squares through "
                  "differential evolution",
                  {oper("func", kFunc), oper("lowerAndUpperBound", kBounds),
                   oper("x", kDataWithHeaders), oper("y", kY), oper("weight", kWeight),
-                  oper("maxNumGenerations", kMaxNumGenerations), oper("seed", kEvolutionSeed)}),
+                  oper("maxNumGenerations", kMaxNumGenerations), oper("seed", kEvolutionSeed)},
+                 command<&diff_evol_nls_solver>()),
         function("transportation_solver",
                  "Finds the shipments from sources to destinations that meet supplies and demands "
                  "at the least or the largest total cost",
@@ -1498,168 +1534,210 @@ const std::vector<FunctionInfo>& catalogue() {
                   "Seed of the random number generator, a non-negative integer; 0 uses the "
                   "timer. Optional: omit for the timer. Default: 0")},
             command<&matrix_random>()),
-        function("matrix_cov",
-                 "Computes the covariance matrix of the columns of data, with divisor n",
-                 {oper("inputData",
-                       "Table of numbers with or without variable names in the first row")}),
+        function(
+            "matrix_cov", "Computes the covariance matrix of the columns of data, with divisor n",
+            {oper("inputData", "Table of numbers with or without variable names in the first row")},
+            command<&matrix_cov>()),
         function("matrix_cov_from_file",
                  "Computes the covariance matrix of variables of a delimited data file, with "
                  "divisor n",
                  {oper("filename", kFilename), oper("varNames", kVarNames),
-                  oper("delimiter", kDelimiter)}),
-        function("matrix_corr", "Computes the correlation matrix of the columns of data",
-                 {oper("inputData",
-                       "Table of numbers with or without variable names in the first row")}),
+                  oper("delimiter", kDelimiter)},
+                 command<&matrix_cov_from_file>()),
+        function(
+            "matrix_corr", "Computes the correlation matrix of the columns of data",
+            {oper("inputData", "Table of numbers with or without variable names in the first row")},
+            command<&matrix_corr>()),
         function("matrix_corr_from_file",
                  "Computes the correlation matrix of variables of a delimited data file",
                  {oper("filename", kFilename), oper("varNames", kVarNames),
-                  oper("delimiter", kDelimiter)}),
+                  oper("delimiter", kDelimiter)},
+                 command<&matrix_corr_from_file>()),
         function("matrix_corr_from_cov", "Converts a covariance matrix to a correlation matrix",
-                 {oper("matrix", "Square covariance matrix")}),
+                 {oper("matrix", "Square covariance matrix")}, command<&matrix_corr_from_cov>()),
         function("matrix_cov_from_corr",
                  "Converts a correlation matrix and standard deviations to a covariance matrix",
                  {oper("matrix", "Square correlation matrix"),
                   oper("stdevs",
                        "Non-negative standard deviation of each variable, in one row or one "
-                       "column")}),
+                       "column")},
+                 command<&matrix_cov_from_corr>()),
         function("matrix_stdev_from_cov",
                  "Computes the standard deviations, the square roots of the diagonal, of a "
                  "covariance matrix",
-                 {oper("matrix", "Square covariance matrix")}),
+                 {oper("matrix", "Square covariance matrix")}, command<&matrix_stdev_from_cov>()),
         function("matrix_prod", "Multiplies two matrices, or scales a matrix by a number",
-                 {oper("matrix1", kMatrix1), oper("matrix2", kMatrix2)}),
+                 {oper("matrix1", kMatrix1), oper("matrix2", kMatrix2)}, command<&matrix_prod>()),
         function("matrix_directprod", "Computes the direct (Kronecker) product of two matrices",
                  {oper("matrix1", "First matrix of numbers"),
-                  oper("matrix2", "Second matrix of numbers")}),
+                  oper("matrix2", "Second matrix of numbers")},
+                 command<&matrix_directprod>()),
         function("matrix_elementprod",
                  "Multiplies two matrices of the same size element by element",
                  {oper("matrix1", "First matrix of numbers"),
-                  oper("matrix2", "Second matrix of numbers, of the size of matrix1")}),
+                  oper("matrix2", "Second matrix of numbers, of the size of matrix1")},
+                 command<&matrix_elementprod>()),
         function("matrix_plus", "Adds two matrices of the same size",
                  {oper("matrix1", "First matrix of numbers"),
-                  oper("matrix2", "Second matrix of numbers, of the size of matrix1")}),
+                  oper("matrix2", "Second matrix of numbers, of the size of matrix1")},
+                 command<&matrix_plus>()),
         function("matrix_minus",
                  "Subtracts the second matrix from the first, both of the same size",
                  {oper("matrix1", "First matrix of numbers"),
-                  oper("matrix2", "Second matrix of numbers, of the size of matrix1")}),
+                  oper("matrix2", "Second matrix of numbers, of the size of matrix1")},
+                 command<&matrix_minus>()),
         function("matrix_I", "Returns the identity matrix of a dimension",
-                 {oper("dim", "Number of rows and columns, a positive integer")}),
-        function("matrix_t", "Transposes a matrix", {oper("matrix", kMatrix)}),
+                 {oper("dim", "Number of rows and columns, a positive integer")},
+                 command<&matrix_I>()),
+        function("matrix_t", "Transposes a matrix", {oper("matrix", kMatrix)},
+                 command<&matrix_t>()),
         function("matrix_diag",
                  "Makes a diagonal matrix from a vector, or from the diagonal of a square matrix",
-                 {oper("matrix", "Vector or square matrix of numbers")}),
+                 {oper("matrix", "Vector or square matrix of numbers")}, command<&matrix_diag>()),
         function("matrix_tr", "Computes the trace of a square matrix",
-                 {oper("matrix", kSquareMatrix)}),
+                 {oper("matrix", kSquareMatrix)}, command<&matrix_tr>()),
         function("matrix_inv", "Inverts a square matrix by Gauss-Jordan elimination",
-                 {oper("matrix", kSquareMatrix)}),
+                 {oper("matrix", kSquareMatrix)}, command<&matrix_inv>()),
         function("matrix_pinv", "Computes the Moore-Penrose pseudo-inverse of a matrix",
-                 {oper("matrix", kMatrix)}),
+                 {oper("matrix", kMatrix)}, command<&matrix_pinv>()),
         function("matrix_complex_pinv", "Computes the pseudo-inverse of a complex matrix",
-                 {oper("matrixReal", kMatrixReal), oper("matrixImag", kMatrixImag)}),
+                 {oper("matrixReal", kMatrixReal), oper("matrixImag", kMatrixImag)},
+                 command<&matrix_complex_pinv>()),
         function("matrix_solver", "Solves the linear system A X = B",
                  {oper("A", "Square matrix of coefficients"),
-                  oper("B", "Right-hand sides, with the rows of A")}),
+                  oper("B", "Right-hand sides, with the rows of A")},
+                 command<&matrix_solver>()),
         function(
             "matrix_tridiagonal_solver", "Solves a tridiagonal linear system",
-            {oper("A", "Three columns: the lower diagonal, the diagonal and the upper diagonal"),
-             oper("B", "Right-hand side, with the rows of A")}),
+            {oper("A",
+                  "Three columns, one row per equation i: the coefficients of x(i-1), x(i) and "
+                  "x(i+1); the first cell of the first row and the last cell of the last row "
+                  "are not read"),
+             oper("B", "Right-hand sides, with the rows of A; each column is solved")},
+            command<&matrix_tridiagonal_solver>()),
         function("matrix_pentadiagonal_solver", "Solves a pentadiagonal linear system",
-                 {oper("A", "Five columns: the five diagonals of the matrix, lowest first"),
-                  oper("B", "Right-hand side, with the rows of A")}),
-        function("matrix_Sylvester_solver", "Solves the Sylvester equation A X + X B = C",
-                 {oper("A", "Square matrix with the rows of C"),
-                  oper("B", "Square matrix with the columns of C"),
-                  oper("C", "Right-hand side matrix")}),
+                 {oper("A",
+                       "Five columns, one row per equation i: the coefficients of x(i-2), x(i-1), "
+                       "x(i), x(i+1) and x(i+2); the cells of columns 1 and 2 before the first "
+                       "row they reach, and of columns 4 and 5 after the last, are not read"),
+                  oper("B", "Right-hand sides, with the rows of A; each column is solved")},
+                 command<&matrix_pentadiagonal_solver>()),
+        function(
+            "matrix_Sylvester_solver", "Solves the Sylvester equation A X + X B = C",
+            {oper("A", "Square matrix with the rows of C"),
+             oper("B", "Square matrix with the columns of C"), oper("C", "Right-hand side matrix")},
+            command<&matrix_Sylvester_solver>()),
         function("matrix_chol",
                  "Computes the lower Cholesky factor of a symmetric positive semi-definite matrix",
-                 {oper("matrix", "Symmetric positive semi-definite matrix")}),
+                 {oper("matrix", "Symmetric positive semi-definite matrix")},
+                 command<&matrix_chol>()),
         function("matrix_sym_eigen",
                  "Computes the eigenvalues and eigenvectors of a symmetric matrix",
-                 {oper("matrix", "Symmetric matrix of numbers")}),
+                 {oper("matrix", "Symmetric matrix of numbers")}, command<&matrix_sym_eigen>()),
         function("matrix_eigen",
-                 "Computes the eigenvalues and eigenvectors of a general real square matrix",
-                 {oper("matrix", kSquareMatrix)}),
+                 "Computes the eigenvalues and eigenvectors of a general real square matrix: the "
+                 "eigenvalues by real part, largest first, as Real part and Imag part columns; "
+                 "then the unit eigenvectors in columns as a Real part and an Imag part block",
+                 {oper("matrix", kSquareMatrix)}, command<&matrix_eigen>()),
         function("matrix_complex_eigen",
-                 "Computes the eigenvalues and eigenvectors of a complex square matrix",
-                 {oper("matrixReal", kMatrixReal), oper("matrixImag", kMatrixImag)}),
-        function("matrix_svd", "Computes the singular value decomposition A = U W V^T of a matrix",
-                 {oper("matrix", kMatrix)}),
+                 "Computes the eigenvalues and eigenvectors of a complex square matrix, laid out "
+                 "as by matrix_eigen",
+                 {oper("matrixReal", kMatrixReal), oper("matrixImag", kMatrixImag)},
+                 command<&matrix_complex_eigen>()),
+        function("matrix_svd",
+                 "Computes the singular value decomposition A = U W V^T of a matrix: under that "
+                 "heading the blocks U, W (the diagonal matrix of the singular values, largest "
+                 "first) and V",
+                 {oper("matrix", kMatrix)}, command<&matrix_svd>()),
         function("matrix_LU", "Computes the LU decomposition P A = L U of a square matrix",
-                 {oper("matrix", kSquareMatrix)}),
+                 {oper("matrix", kSquareMatrix)}, command<&matrix_LU>()),
         function("matrix_QR", "Computes the QR decomposition A = Q R of a square matrix",
-                 {oper("matrix", kSquareMatrix)}),
+                 {oper("matrix", kSquareMatrix)}, command<&matrix_QR>()),
         function("matrix_complex_QR",
                  "Computes the QR decomposition A = Q R of a complex square matrix",
-                 {oper("matrixReal", kMatrixReal), oper("matrixImag", kMatrixImag)}),
+                 {oper("matrixReal", kMatrixReal), oper("matrixImag", kMatrixImag)},
+                 command<&matrix_complex_QR>()),
         function("matrix_Schur", "Computes the Schur decomposition A = Q R Q^H of a square matrix",
-                 {oper("matrix", kSquareMatrix)}),
+                 {oper("matrix", kSquareMatrix)}, command<&matrix_Schur>()),
         function("matrix_complex_Schur",
                  "Computes the Schur decomposition A = Q R Q^H of a complex square matrix",
-                 {oper("matrixReal", kMatrixReal), oper("matrixImag", kMatrixImag)}),
+                 {oper("matrixReal", kMatrixReal), oper("matrixImag", kMatrixImag)},
+                 command<&matrix_complex_Schur>()),
         function(
             "matrix_sweep", "Applies the sweep operator to a matrix over a list of pivots",
             {oper("matrix", kMatrix),
              oper("pivotIndexes",
-                  "Distinct pivot indexes, from 0, in the order of sweeping. Optional: omit to "
-                  "sweep every diagonal entry. Default: all")}),
+                  "Distinct pivot indexes, counted from 1, in the order of sweeping. Optional: "
+                  "omit to sweep every diagonal entry. Default: all")},
+            command<&matrix_sweep>()),
         function("matrix_det", "Computes the determinant of a square matrix",
-                 {oper("matrix", kSquareMatrix)}),
+                 {oper("matrix", kSquareMatrix)}, command<&matrix_det>()),
         function("matrix_exp", "Computes the exponential of a square matrix",
-                 {oper("matrix", kSquareMatrix)}),
+                 {oper("matrix", kSquareMatrix)}, command<&matrix_exp>()),
         function("matrix_complex_exp", "Computes the exponential of a complex square matrix",
                  {oper("matrixReal",
                        "Real part of the square complex matrix. Optional: omit for zeros. Default: "
                        "0"),
                   oper("matrixImag",
                        "Imaginary part of the square complex matrix. Optional: omit for zeros. "
-                       "Default: 0")}),
+                       "Default: 0")},
+                 command<&matrix_complex_exp>()),
         function("matrix_distance", "Computes the Minkowski distances between the rows of data",
                  {oper("inputData", "Table of numbers, one point per row"),
                   oper("p",
                        "Power of the Minkowski distance, a number at or above 1, or Euclidean, "
-                       "Manhattan or Chebyshev. Optional: omit for Euclidean. Default: 2")}),
-        function("matrix_freq", "Counts the distinct values among all cells of a matrix",
+                       "Manhattan or Chebyshev. Optional: omit for Euclidean. Default: 2")},
+                 command<&matrix_distance>()),
+        function("matrix_freq",
+                 "Counts the distinct values among all cells of a matrix: columns Value, Freq, "
+                 "Percent, CumFreq and CumPercent; numbers ascending, then texts, then Missing",
                  {oper("matrix", "Table of values"),
                   oper("includeMissing",
                        "1 counts empty cells, 0 leaves them out. Optional: omit to leave them out. "
-                       "Default: 0")}),
+                       "Default: 0")},
+                 command<&matrix_freq>()),
         function("matrix_from_vector", "Reshapes a vector into a matrix, by rows or by columns",
                  {oper("vector", "Numbers in one row or one column"),
                   oper("numRows", "Number of rows, a positive integer"),
                   oper("numCols", "Number of columns, a positive integer"),
                   oper("byRowOrCol",
                        "ROW fills the matrix row by row, COL column by column. Optional: omit for "
-                       "COL. Default: COL")}),
+                       "COL. Default: COL")},
+                 command<&matrix_from_vector>()),
         function("matrix_to_vector", "Reads a matrix into one column, by rows or by columns",
                  {oper("matrix", kMatrix),
                   oper("byRowOrCol",
                        "ROW reads the matrix row by row, COL column by column. Optional: omit for "
-                       "COL. Default: COL")}),
+                       "COL. Default: COL")},
+                 command<&matrix_to_vector>()),
         function("matrix_decimal_to_fraction",
                  "Writes the numbers of a matrix as fractions where a small denominator is exact",
-                 {oper("matrix", kMatrix)}),
+                 {oper("matrix", kMatrix)}, command<&matrix_decimal_to_fraction>()),
 
         // Transforms, quadrature and sequences
         function("FFT", "Computes the discrete Fourier transform of a vector or a matrix",
                  {oper("xReal", "Real part of the input, a vector or a matrix"),
                   oper("xImag",
                        "Imaginary part of the input, of the size of xReal. Optional: omit for real "
-                       "input. Default: 0")}),
+                       "input. Default: 0")},
+                 command<&FFT>()),
         function("IFFT", "Computes the inverse discrete Fourier transform of a vector or a matrix",
                  {oper("xReal", "Real part of the input, a vector or a matrix"),
                   oper("xImag",
                        "Imaginary part of the input, of the size of xReal. Optional: omit for real "
-                       "input. Default: 0")}),
+                       "input. Default: 0")},
+                 command<&IFFT>()),
         function(
             "gauss_legendre",
             "Computes the abscissas and weights of Gauss-Legendre quadrature on an interval",
             {oper("numPoints", kNumPointsQuadrature), oper("lower", "Lower end of the interval"),
-             oper("upper", "Upper end of the interval, above lower")}),
+             oper("upper", "Upper end of the interval, above lower")},
+            command<&gauss_legendre>()),
         function("gauss_laguerre",
                  "Computes the abscissas and weights of Gauss-Laguerre quadrature",
-                 {oper("numPoints", kNumPointsQuadrature)}),
+                 {oper("numPoints", kNumPointsQuadrature)}, command<&gauss_laguerre>()),
         function("gauss_hermite", "Computes the abscissas and weights of Gauss-Hermite quadrature",
-                 {oper("numPoints", kNumPointsQuadrature)}),
+                 {oper("numPoints", kNumPointsQuadrature)}, command<&gauss_hermite>()),
         function("integral", "Integrates a function of one variable between two bounds",
                  {oper("func", "Expression of the function of one variable, in one column"),
                   oper("from", "Lower bound of the integral"),

@@ -5,6 +5,7 @@
 #include "data/delimited_file.hpp"
 #include "learners/discriminant.hpp"
 #include "learners/naive_bayes.hpp"
+#include "learners/neural_net.hpp"
 #include "models/model_store.hpp"
 #include "regression/linear_reg_model.hpp"
 #include "regression/logistic_fit.hpp"
@@ -20,7 +21,7 @@ namespace {
 
 // Classes that other families will teach to score; until then a handle of
 // theirs fails in plain words, never with made-up numbers.
-const char* const kNotYetScored[] = {"plsRegModel", "polyRegModel", "neuralNetModel", "svmModel"};
+const char* const kNotYetScored[] = {"plsRegModel", "polyRegModel", "svmModel"};
 
 bool one_of(const std::string& name, const char* const* first, const char* const* last) {
     return std::find(first, last, name) != last;
@@ -130,6 +131,19 @@ ModelScores score_by_model(const std::string& model, const svec& names, const dm
         scores.type = "BIN";
         scores.levels = fit->levels;
         scores.predictions = scoreTree(fit->names, fit->nodes, names, data);
+        return scores;
+    }
+    if (scores.class_name == "neuralNetModel") {
+        const handle_c<neuralNetModel> fit = string_to_handle<neuralNetModel>(key);
+        const NeuralNetwork& net = fit->net;
+        if (net.objective == "ML") {
+            scores.type = "BIN";
+            scores.levels = fit->levels;
+        } else {
+            scores.type = "CONT";
+            scores.parameter_count = static_cast<int>(net.variableNames.size()) + 1;
+        }
+        scores.predictions = scoreNeuralNet(net, names, data);
         return scores;
     }
     if (one_of(scores.class_name, std::begin(kNotYetScored), std::end(kNotYetScored)))

@@ -1,6 +1,7 @@
 #include "numeric/random.hpp"
 
-// The only file that compiles QuantLib's headers: they are slow.
+// QuantLib's headers are slow: only this file and the least-squares solver
+// compile them.
 #include <ql/math/randomnumbers/mt19937uniformrng.hpp>
 #include <ql/math/randomnumbers/seedgenerator.hpp>
 

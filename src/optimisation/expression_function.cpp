@@ -1,5 +1,3 @@
-// The only file that includes the expression library: its header costs a minute
-// of compilation, so everything that needs it lives here behind a plain header.
 #include "optimisation/expression_function.hpp"
 
 #include <algorithm>
@@ -9,18 +7,11 @@
 #include <set>
 #include <utility>
 
-#include <exprtk.hpp>
-
-#include "numeric/distributions.hpp"
+#include "optimisation/expression_engine.hpp"
 
 namespace zentable {
 
 namespace {
-
-using SymbolTable = exprtk::symbol_table<double>;
-using Expression = exprtk::expression<double>;
-using Parser = exprtk::parser<double>;
-using Token = exprtk::lexer::token;
 
 // The system's own functions: reserved for the scan beside the library's words,
 // so that they never count as names the caller must supply.
@@ -40,88 +31,24 @@ std::string lower_case(std::string text) {
     return text;
 }
 
-bool is_valid_symbol(const std::string& name) {
-    if (name.empty() || !std::isalpha(static_cast<unsigned char>(name[0]))) {
-        return false;
-    }
-    return std::all_of(name.begin() + 1, name.end(), [](char c) {
-        return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
-    });
-}
-
 bool is_language_name(const std::string& name) {
-    return exprtk::details::is_reserved_word(name) || exprtk::details::is_reserved_symbol(name) ||
-           is_one_of(name, kConstants) || is_one_of(name, kAddedFunctions);
-}
-
-// probchi and cinv: two arguments for the central distribution, three for the
-// non-central one, and NaN for any other count rather than a parse failure.
-class CentralOrNot final : public exprtk::ivararg_function<double> {
-  public:
-    using Central = double (*)(double, double);
-    using NonCentral = double (*)(double, double, double);
-    CentralOrNot(Central central, NonCentral non_central)
-        : central_(central), non_central_(non_central) {
-        exprtk::enable_zero_parameters(*this);
-    }
-    double operator()(const std::vector<double>& args) override {
-        if (args.size() == 2) {
-            return central_(args[0], args[1]);
-        }
-        if (args.size() == 3) {
-            return non_central_(args[0], args[1], args[2]);
-        }
-        return std::numeric_limits<double>::quiet_NaN();
-    }
-
-  private:
-    Central central_;
-    NonCentral non_central_;
-};
-
-void add_probability_functions(SymbolTable& symbols) {
-    // Stateless, so one instance serves every table for the life of the process.
-    static CentralOrNot probchi(&chi_cdf, &nc_chi_cdf);
-    static CentralOrNot cinv(&chi_inv, &nc_chi_inv);
-    symbols.add_function("prob_normal", &normal_cdf);
-    symbols.add_function("prob_normal_inv", &normal_inv);
-    symbols.add_function("prob_t", &student_cdf);
-    symbols.add_function("prob_t_inv", &student_inv);
-    symbols.add_function("probchi", probchi);
-    symbols.add_function("cinv", cinv);
-}
-
-// The library keeps only its first diagnostic worth showing; a lexer failure is
-// worded by the parser, so the parser is asked for it.
-std::string parser_diagnostic(const std::string& text) {
-    SymbolTable symbols;
-    add_probability_functions(symbols);
-    Expression expression;
-    expression.register_symbol_table(symbols);
-    Parser parser;
-    parser.compile(text, expression);
-    return parser.error();
+    return is_library_word(name) || is_one_of(name, kConstants) || is_one_of(name, kAddedFunctions);
 }
 
 }  // namespace
 
 ExpressionNames scan_expression(const std::string& text) {
     const std::string lowered = lower_case(text);
-    exprtk::lexer::generator lexer;
     if (lowered.empty()) {
         throw "Empty expression!";
     }
-    if (!lexer.process(lowered)) {
-        throw parser_diagnostic(lowered);
-    }
-    if (lexer.empty()) {
+    const std::vector<ExpressionToken> tokens = expression_tokens(lowered);
+    if (tokens.empty()) {
         throw "Empty expression!";
     }
-    const std::size_t count = lexer.size();
     std::set<std::string> names;
-    for (std::size_t i = 0; i < count; ++i) {
-        const Token& token = lexer[i];
-        if (token.type == Token::e_symbol && !is_language_name(token.value)) {
+    for (const ExpressionToken& token : tokens) {
+        if (token.symbol && !is_language_name(token.value)) {
             names.insert(token.value);
         }
     }
@@ -129,21 +56,16 @@ ExpressionNames scan_expression(const std::string& text) {
     out.symbols.assign(names.begin(), names.end());
     for (const std::string& name : out.symbols) {
         std::size_t first = 0;
-        while (lexer[first].type != Token::e_symbol || lexer[first].value != name) {
+        while (!tokens[first].symbol || tokens[first].value != name) {
             ++first;
         }
-        const bool assigned = first + 1 < count && lexer[first + 1].type == Token::e_assign;
+        const bool assigned = first + 1 < tokens.size() && tokens[first + 1].assignment;
         if (!assigned) {
             out.free.push_back(name);
         }
     }
     return out;
 }
-
-struct BoundExpression::Compiled {
-    SymbolTable symbols;
-    Expression expression;
-};
 
 BoundExpression::Binding BoundExpression::bind_inputs(const std::string& text,
                                                       const std::string& tableName,
@@ -184,23 +106,8 @@ BoundExpression::Binding BoundExpression::bind_inputs(const std::string& text,
 BoundExpression::BoundExpression(const std::string& text, Binding binding)
     : values_(binding.names.symbols.size(), 0.0),
       positions_(std::move(binding.positions)),
-      symbols_(std::move(binding.names.symbols)),
-      compiled_(std::make_unique<Compiled>()) {
-    SymbolTable& table = compiled_->symbols;
-    for (std::size_t i = 0; i < symbols_.size(); ++i) {
-        if (is_valid_symbol(symbols_[i]) && !table.symbol_exists(symbols_[i])) {
-            table.add_variable(symbols_[i], values_[i]);
-        }
-    }
-    table.add_constant("pi", 3.141592653589793);
-    table.add_constant("epsilon", 2.220446049250313e-16);
-    table.add_constant("inf", std::numeric_limits<double>::infinity());
-    add_probability_functions(table);
-    compiled_->expression.register_symbol_table(table);
-    Parser parser;
-    if (!parser.compile(text, compiled_->expression)) {
-        throw parser.error();
-    }
+      symbols_(std::move(binding.names.symbols)) {
+    compiled_ = std::make_unique<CompiledExpression>(text, symbols_, values_.data());
 }
 
 BoundExpression::~BoundExpression() = default;
@@ -208,7 +115,7 @@ BoundExpression::BoundExpression(BoundExpression&&) noexcept = default;
 BoundExpression& BoundExpression::operator=(BoundExpression&&) noexcept = default;
 
 double BoundExpression::evaluate() const {
-    return compiled_->expression.value();
+    return compiled_->value();
 }
 
 GenericFunction::GenericFunction(const std::string& text, const std::string& tableName,
@@ -282,6 +189,81 @@ double GenericFunction_Sum::operator()(dvec parameters) const {
 
 dvec GenericFunction_Sum::predict(dvec parameters) const {
     return values_at_rows(parameters, rows_, parameter_count_);
+}
+
+BoundExpression::Binding BoundExpression::bind_parameters_and_columns(const std::string& text,
+                                                                      const svec& parameterNames,
+                                                                      const svec& columnNames) {
+    Binding binding{scan_expression(text), {}};
+    const svec& symbols = binding.names.symbols;
+    svec parameters;
+    for (const std::string& name : parameterNames) {
+        parameters.push_back(lower_case(name));
+    }
+    svec columns;
+    for (const std::string& name : columnNames) {
+        columns.push_back(lower_case(name));
+    }
+    const auto among = [](const svec& names, const std::string& name) {
+        return std::find(names.begin(), names.end(), name) != names.end();
+    };
+    for (const std::string& name : binding.names.free) {
+        if (!among(parameters, name) && !among(columns, name)) {
+            throw "The variable '" + name +
+                "' in the expression is not in the inputs 'x' or 'params'";
+        }
+    }
+    const auto position_of = [&](const std::string& name) {
+        const auto found = std::lower_bound(symbols.begin(), symbols.end(), name);
+        return found != symbols.end() && *found == name ? static_cast<int>(found - symbols.begin())
+                                                        : -1;
+    };
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        const int position = position_of(parameters[i]);
+        if (position < 0) {
+            throw "The variable '" + parameterNames[i] +
+                "' from the input 'params' is not in the expression of the function";
+        }
+        binding.positions.push_back(position);
+    }
+    // A column that the expression leaves alone is still data, shown in the report.
+    for (const std::string& name : columns) {
+        binding.positions.push_back(position_of(name));
+    }
+    return binding;
+}
+
+ParametricFunction::ParametricFunction(const std::string& text, const svec& parameterNames,
+                                       const svec& columnNames)
+    : BoundExpression(text, bind_parameters_and_columns(text, parameterNames, columnNames)),
+      parameter_count_(parameterNames.size()) {
+    std::vector<bool> bound(values_.size(), false);
+    for (std::size_t j = 0; j < parameter_count_; ++j) {
+        bound[static_cast<std::size_t>(positions_[j])] = true;
+    }
+    for (std::size_t c = 0; c < columnNames.size(); ++c) {
+        const int p = positions_[parameter_count_ + c];
+        if (p >= 0) {
+            bound_columns_.emplace_back(static_cast<std::size_t>(p), c);
+            bound[static_cast<std::size_t>(p)] = true;
+        }
+    }
+    rows_independent_ = std::find(bound.begin(), bound.end(), false) == bound.end();
+}
+
+void ParametricFunction::weighted_residuals(const double* parameters,
+                                            const std::vector<dvec>& columns, const dvec& y,
+                                            const dvec& root_weight, std::size_t first,
+                                            std::size_t last, double* out) const {
+    for (std::size_t j = 0; j < parameter_count_; ++j) {
+        values_[static_cast<std::size_t>(positions_[j])] = parameters[j];
+    }
+    for (std::size_t i = first; i < last; ++i) {
+        for (const auto& [entry, column] : bound_columns_) {
+            values_[entry] = columns[column][i];
+        }
+        out[i] = root_weight[i] * (compiled_->value() - y[i]);
+    }
 }
 
 GenericIntegralFunction::GenericIntegralFunction(const std::string& text)

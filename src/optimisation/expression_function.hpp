@@ -4,9 +4,11 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "numeric/matrix.hpp"
+#include "optimisation/expression_engine.hpp"
 #include "xlw/decoders.hpp"
 
 namespace zentable {
@@ -47,6 +49,10 @@ class BoundExpression {
                                const svec& inputNames, bool strict);
     // The integrand's rule: exactly one free name, whatever else is local.
     static Binding bind_single_variable(const std::string& text);
+    // The least-squares fit's rules: each free name a parameter or a column,
+    // each parameter used, and no test for duplicates.
+    static Binding bind_parameters_and_columns(const std::string& text, const svec& parameterNames,
+                                               const svec& columnNames);
 
     BoundExpression(const std::string& text, Binding binding);
 
@@ -67,11 +73,10 @@ class BoundExpression {
 
     mutable dvec values_;
     std::vector<int> positions_;
+    std::unique_ptr<CompiledExpression> compiled_;
 
   private:
-    struct Compiled;
     svec symbols_;
-    std::unique_ptr<Compiled> compiled_;
 };
 
 // f(x): the inputs are the variables, in the order of the input names.
@@ -117,6 +122,38 @@ class GenericFunction_Sum : public BoundExpression {
     std::size_t parameter_count_;
     dmat rows_;
     dvec weight_;
+};
+
+// f(parameters, row) under the least-squares fit's naming rules: what a cost
+// function evaluates. The inputs are the parameters, then the data columns.
+class ParametricFunction : public BoundExpression {
+  public:
+    ParametricFunction(const std::string& text, const svec& parameterNames,
+                       const svec& columnNames);
+    void set_parameters(const dvec& parameters) const { set_inputs(parameters, 0); }
+    // f at one row, at the parameters set last.
+    double at_row(const dvec& row) const {
+        set_inputs(row, parameter_count_);
+        return evaluate();
+    }
+    dvec predict(const dvec& parameters, const dmat& rows) const {
+        return values_at_rows(parameters, rows, parameter_count_);
+    }
+    // sqrt(weight) (f - y) at rows first to last - 1, into out[first...]: the
+    // inner loop of a fit, so the data come by column and only the columns in
+    // use are bound.
+    void weighted_residuals(const double* parameters, const std::vector<dvec>& columns,
+                            const dvec& y, const dvec& root_weight, std::size_t first,
+                            std::size_t last, double* out) const;
+    // Every entry is bound afresh at each row: no local carries a value from
+    // one row to the next, so rows may be shared out between copies.
+    bool rows_independent() const { return rows_independent_; }
+
+  private:
+    std::size_t parameter_count_;
+    // (entry of `values`, column) for each column that the expression uses.
+    std::vector<std::pair<std::size_t, std::size_t>> bound_columns_;
+    bool rows_independent_ = false;
 };
 
 // f(t) for an integrand: the text must have exactly one free name.

@@ -18,25 +18,6 @@ constexpr const char* kFuncColumns = "Input func must be in one column";
 constexpr const char* kFromNumber = "Input from must be a number";
 constexpr const char* kToNumber = "Input to must be a number";
 
-// A long expression spreads over several cells of a column; a blank joins them
-// so that a line break never glues two tokens together.
-std::string read_expression(const CellMatrix& func) {
-    if (is_omitted(func)) {
-        throw kFuncEmpty;
-    }
-    if (func.ColumnsInStructure() != 1) {
-        throw kFuncColumns;
-    }
-    std::string text;
-    for (std::size_t i = 0; i < func.RowsInStructure(); ++i) {
-        if (i > 0) {
-            text += ' ';
-        }
-        text += cell_to_text(func(i, 0));
-    }
-    return text;
-}
-
 struct Node {
     double x;
     double w;
@@ -119,6 +100,25 @@ double tanh_sinh(const std::function<double(double)>& f, double a, double b, dou
         }
     }
     return c * estimate;
+}
+
+// A long expression spreads over several cells of a column; a blank joins them
+// so that a line break never glues two tokens together.
+std::string read_expression(const CellMatrix& func) {
+    if (is_omitted(func)) {
+        throw kFuncEmpty;
+    }
+    if (func.ColumnsInStructure() != 1) {
+        throw kFuncColumns;
+    }
+    std::string text;
+    for (std::size_t i = 0; i < func.RowsInStructure(); ++i) {
+        if (i > 0) {
+            text += ' ';
+        }
+        text += cell_to_text(func(i, 0));
+    }
+    return text;
 }
 
 CellMatrix function_eval(const CellMatrix& func, const CellMatrix& x) {

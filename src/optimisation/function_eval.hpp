@@ -1,10 +1,15 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "xlw/cell_matrix.hpp"
 
 namespace zentable {
+
+// The text of an expression spread down one column, its cells joined by a
+// blank; throws the func argument's messages.
+std::string read_expression(const CellMatrix& func);
 
 // function_eval(func, x): the expression at each row of a table of its inputs,
 // under a head cell that holds the joined text.

@@ -14,7 +14,6 @@ namespace {
 
 constexpr int kMaxIterations = 100;
 constexpr double kConvergence = 1e-8;
-constexpr double kConstantColumn = 1e-8;
 
 // Mismatched lengths are a programming fault that no command can reach;
 // going on would read past the data.
@@ -51,41 +50,6 @@ dvec binary_recode(dvec& y) {
     for (double& v : y)
         v = v >= middle ? 1.0 : 0.0;
     return levels;
-}
-
-ColumnScaling standardize_columns(dmat& x, const dvec& weight) {
-    if (x.size() != weight.size())
-        throw "Data matrix is not conformable";
-    const std::size_t p = x.empty() ? 0 : x[0].size();
-    ColumnScaling scaling;
-    scaling.n = static_cast<std::int32_t>(x.size());
-    dvec sum(p, 0.0), squares(p, 0.0);
-    for (std::size_t i = 0; i < x.size(); ++i) {
-        const double w = weight[i];
-        scaling.sum_weight += w;
-        for (std::size_t j = 0; j < p; ++j) {
-            sum[j] += w * x[i][j];
-            squares[j] += w * x[i][j] * x[i][j];
-        }
-    }
-    const double total = scaling.sum_weight;
-    scaling.mean.resize(p);
-    scaling.sd.resize(p);
-    for (std::size_t j = 0; j < p; ++j) {
-        const double m = sum[j] / total;
-        const double variance = squares[j] / total - m * m;
-        double s = std::sqrt(variance);
-        // Also catches the NaN of a tiny negative variance: a constant column
-        // is centred, not scaled.
-        if (!(s > kConstantColumn))
-            s = 1.0;
-        scaling.mean[j] = m;
-        scaling.sd[j] = s;
-    }
-    for (dvec& row : x)
-        for (std::size_t j = 0; j < p; ++j)
-            row[j] = (row[j] - scaling.mean[j]) / scaling.sd[j];
-    return scaling;
 }
 
 LogLikelihood logistic_loglik(const dmat& x, const dvec& y, const dvec& weight, const dvec& coefs) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "numeric/column_scaling.hpp"
 #include "numeric/matrix.hpp"
 #include "xlw/cell_matrix.hpp"
 
@@ -14,16 +15,6 @@ namespace zentable {
 // the two levels as the user wrote them, ascending. Fails unless y has
 // exactly two distinct values.
 dvec binary_recode(dvec& y);
-
-struct ColumnScaling {
-    dvec mean;  // weighted, per column
-    dvec sd;    // divisor W; 1 for a column that is constant
-    double sum_weight = 0.0;
-    std::int32_t n = 0;
-};
-
-// Centres and scales the columns of x in place by their weighted moments.
-ColumnScaling standardize_columns(dmat& x, const dvec& weight);
 
 struct LogLikelihood {
     double value = 0.0;

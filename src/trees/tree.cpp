@@ -5,6 +5,7 @@
 
 #include "data/delimited_file.hpp"
 #include "models/model_eval.hpp"
+#include "regression/logistic_fit.hpp"
 #include "trees/tree_model.hpp"
 #include "trees/tree_report.hpp"
 #include "xlw/decoders.hpp"
@@ -117,7 +118,7 @@ CellMatrix tree_run(const dmat& x, const svec& names, const dvec& y, const dvec&
     dvec target = y;
     dvec levels;
     if (!regression)
-        levels = recode_binary_target(target);
+        levels = binary_recode(target);
 
     const int p = static_cast<int>(names.size());
     std::vector<int> x_columns(names.size());

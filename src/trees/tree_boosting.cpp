@@ -4,6 +4,7 @@
 
 #include "data/delimited_file.hpp"
 #include "models/model_eval.hpp"
+#include "regression/logistic_fit.hpp"
 #include "trees/boosting_core.hpp"
 #include "trees/boosting_model.hpp"
 #include "trees/tree_report.hpp"
@@ -183,7 +184,7 @@ CellMatrix tree_boosting_logistic_run(const dmat& x, const svec& names, const dv
                                       const dvec& weight, const std::string& y_name,
                                       const BoostingSettings& settings) {
     dvec target = y;
-    const dvec levels = recode_binary_target(target);
+    const dvec levels = binary_recode(target);
     BoostingFit f = fit(x, target, weight, settings, true);
     const std::size_t r = 20;
     CellMatrix result = sized_report(r, f);

@@ -439,20 +439,6 @@ svec scoreTreeNodeStr(const svec& model_names, const treeNodes& nodes, const sve
                      [](const treeNode& leaf) { return leaf.NodeStr; });
 }
 
-dvec recode_binary_target(dvec& y) {
-    dvec levels = y;
-    std::sort(levels.begin(), levels.end());
-    levels.erase(std::unique(levels.begin(), levels.end()), levels.end());
-    if (levels.size() != 2)
-        throw "Variable have " + std::to_string(levels.size()) + " categories. It must be binary";
-    if (!(levels[0] == 0.0 && levels[1] == 1.0)) {
-        const double middle = (levels[0] + levels[1]) / 2.0;
-        for (double& v : y)
-            v = v >= middle ? 1.0 : 0.0;
-    }
-    return levels;
-}
-
 std::vector<ConfigEntry> read_config_table(const CellMatrix& table,
                                            const std::string& shape_message) {
     std::vector<ConfigEntry> entries;

@@ -112,10 +112,6 @@ std::size_t leaf_of(const treeNodes& nodes, ValueOf value_of) {
     return at;
 }
 
-// A binary target coded 0 and 1: the higher of its two values is 1. Gives the
-// two values as given, ascending. Fails unless there are exactly two.
-dvec recode_binary_target(dvec& y);
-
 // The settings of a two-column configuration table, names folded to upper
 // case; an omitted table has none. Rows with an empty name are passed over.
 struct ConfigEntry {
