@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cstdlib>
 #include <fstream>
+#include <iostream>
+#include <sstream>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -80,9 +82,30 @@ bool parse_a1(const std::string& ref, std::size_t& row, std::size_t& column) {
 
 // The bytes of a file in one block backed by large pages: for a file of
 // millions of lines the first touch of small pages costs more than reading.
+enum class StandardInput { unread, table, script };
+StandardInput standard_input_use = StandardInput::unread;
+
+// The bytes of standard input, read whole the first time a table wants them.
+const std::string& standard_input_text() {
+    static std::string text;
+    if (standard_input_use == StandardInput::script)
+        throw DriverError("@- cannot read standard input: the script is read from it");
+    if (standard_input_use == StandardInput::unread) {
+        std::ostringstream all;
+        all << std::cin.rdbuf();
+        text = all.str();
+        standard_input_use = StandardInput::table;
+    }
+    return text;
+}
+
 class FileText {
   public:
     explicit FileText(const std::string& path) {
+        if (path == "-") {
+            text_ = standard_input_text();
+            return;
+        }
         std::ifstream in(path, std::ios::binary);
         if (!in)
             throw DriverError("cannot open file " + path);
@@ -226,6 +249,10 @@ void set_file_cell(CellValue& cell, std::string_view field, char delimiter, Text
 }
 
 }  // namespace
+
+void claim_standard_input_for_script() {
+    standard_input_use = StandardInput::script;
+}
 
 bool is_identifier(const std::string& word) {
     if (word.empty() || std::isdigit(static_cast<unsigned char>(word[0])))
