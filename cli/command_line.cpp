@@ -144,14 +144,14 @@ CommandLine parse_command_line(const std::vector<std::string>& args) {
 int call_function(const std::vector<std::string>& words, const OutputOptions& options,
                   std::ostream& out, std::ostream& err) {
     const FunctionInfo& f = function_named(words[1]);
-    std::vector<GivenArgument> given;
-    for (std::size_t i = 2; i < words.size(); ++i)
-        given.push_back(given_argument(f, words[i], nullptr));
-    const std::vector<CellMatrix> args = bind_arguments(f, given);
     GuardedResult r;
     {
+        // Reading the @ files is part of the wait.
         const ProgressLine progress(err, !options.quiet);
-        r = call_entry(f, args);
+        std::vector<GivenArgument> given;
+        for (std::size_t i = 2; i < words.size(); ++i)
+            given.push_back(given_argument(f, words[i], nullptr));
+        r = call_entry(f, bind_arguments(f, given));
     }
     if (r.failed()) {
         err << failure_text(f, r) << '\n';

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <mutex>
 #include <ostream>
 #include <string>
@@ -17,13 +18,22 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using progress::Unit;
 
-constexpr auto kQuietStart = std::chrono::seconds(2);
+// Work shorter than this shows no line at all. ZENTABLE_PROGRESS_AFTER (in
+// seconds) moves it, so that a test can watch the line on short work.
+Clock::duration quiet_start() {
+    const char* text = std::getenv("ZENTABLE_PROGRESS_AFTER");
+    char* end = nullptr;
+    const double seconds = text ? std::strtod(text, &end) : 2.0;
+    return std::chrono::duration_cast<Clock::duration>(
+        std::chrono::duration<double>(text && end != text && seconds >= 0 ? seconds : 2.0));
+}
 constexpr auto kBetweenUpdates = std::chrono::milliseconds(100);
 
 struct LineState {
     std::mutex mutex;
     std::ostream* err = nullptr;
     Clock::time_point started, last_shown;
+    Clock::duration quiet{};
     bool shown = false;
     double bytes = 0;  // summed over the blocks of every reader of the call
 };
@@ -60,7 +70,7 @@ void listen(Unit unit, double done, double total) {
         done = total > 0 && state.bytes > total ? total : state.bytes;
     }
     const Clock::time_point now = Clock::now();
-    if (now - state.started < kQuietStart || now - state.last_shown < kBetweenUpdates)
+    if (now - state.started < state.quiet || now - state.last_shown < kBetweenUpdates)
         return;
     state.last_shown = now;
     state.shown = true;
@@ -76,6 +86,7 @@ ProgressLine::ProgressLine(std::ostream& err, bool wanted) {
     std::lock_guard<std::mutex> lock(state.mutex);
     state.err = &err;
     state.started = Clock::now();
+    state.quiet = quiet_start();
     state.last_shown = {};
     state.shown = false;
     state.bytes = 0;

@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "commands/progress.hpp"
 #include "data/delimited_file.hpp"
 #include "driver_error.hpp"
 #include "xlw/cell_conversions.hpp"
@@ -115,8 +116,16 @@ class FileText {
         const std::size_t bytes = size > 0 ? static_cast<std::size_t>(size) : 0;
         block_ = std::make_unique<CellArena>(bytes + 1);
         char* data = static_cast<char*>(block_->take(bytes + 1));
-        in.read(data, static_cast<std::streamsize>(bytes));
-        text_ = std::string_view(data, static_cast<std::size_t>(in.gcount()));
+        // In blocks, so that the progress line can tell how far a big file is.
+        constexpr std::size_t kBlock = std::size_t(1) << 26;
+        std::size_t got = 0;
+        while (got < bytes && in) {
+            in.read(data + got, static_cast<std::streamsize>(std::min(kBlock, bytes - got)));
+            got += static_cast<std::size_t>(in.gcount());
+            progress::report(progress::Unit::bytes, static_cast<double>(in.gcount()),
+                             static_cast<double>(bytes));
+        }
+        text_ = std::string_view(data, got);
     }
     std::string_view text() const { return text_; }
 
