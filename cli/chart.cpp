@@ -251,16 +251,20 @@ int draw_chart(const FunctionInfo& f, const CellMatrix& table, const OutputOptio
         script << "set title " << quoted_text(panel.title) << "\nset xlabel "
                << quoted_text(panel.x_label) << "\nset ylabel " << quoted_text(panel.y_label)
                << "\n";
-        // A margin inside the frame keeps the outermost points off its edges.
-        script << (panel.diagonal ? "set offsets 0, 0, 0, 0\nset xrange [0:1]\nset yrange [0:1]\n"
-                                  : "set autoscale\nset offsets graph 0.05, graph 0.05, graph "
-                                    "0.05, graph 0.05\n");
-        // Bars of several series stand side by side within each group.
+        // A margin inside the frame keeps the outermost points off its edges;
+        // bars fill their groups from edge to edge and stand on zero.
         const double width = 0.8 / static_cast<double>(blocks.size());
-        if (panel.style == ChartPanel::bars)
-            script << "set boxwidth " << width << " absolute\nset xtics 1\n";
+        if (panel.diagonal)
+            script << "set offsets 0, 0, 0, 0\nset xrange [0:1]\nset yrange [0:1]\n";
+        else if (panel.style == ChartPanel::bars)
+            script << "set autoscale\nset autoscale xfix\nset offsets 0.5, 0.5, graph 0.05, 0\n"
+                   << "set boxwidth " << width << " absolute\n";
         else
-            script << "set xtics autofreq\n";
+            script << "set autoscale\nset offsets graph 0.05, graph 0.05, graph 0.05, graph "
+                      "0.05\n";
+        script << (panel.style == ChartPanel::bars ? "set xtics 1\n" : "set xtics autofreq\n");
+        // A key only where it tells curves apart.
+        script << (blocks.size() > 1 || panel.diagonal ? "set key\n" : "unset key\n");
         script << "plot ";
         for (std::size_t i = 0; i < blocks.size(); ++i) {
             std::string x = gnuplot_expression(panel.x, blocks[i]);

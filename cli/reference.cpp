@@ -158,7 +158,7 @@ void print_man_page(std::ostream& out) {
     std::string usage = kUsage;
     out << roff_text(usage.substr(7)) << "\n.fi\n";
     out << ".SH DESCRIPTION\nEach function of the catalogue maps tables of cells to one table "
-           "of cells. "
+           "of cells.\n"
            ".B zentable\ncalls one of them, runs a script of them in one process, and "
            "prints results as aligned tables, CSV, TSV or JSON.\n";
     out << ".SH COMMANDS\n";
@@ -181,7 +181,9 @@ void print_man_page(std::ostream& out) {
         << ".TP\n.B \\-\\-plot FILE\nDraw the result as PNG, SVG or PDF by the file's extension, "
            "or as a text chart on standard output for \\-, through gnuplot.\n"
         << ".TP\n.B \\-\\-size WxH\nThe chart's size in pixels, 800x600 unless given.\n"
-        << ".TP\n.B \\-\\-quiet\nNo progress line on long work.\n"
+        << ".TP\n.B \\-\\-quiet\nNo progress line on long work. Without it, work that runs "
+           "more than 2 seconds shows one line on standard error when that is a terminal; "
+           "ZENTABLE_PROGRESS_AFTER sets the seconds.\n"
         << ".TP\n.B \\-h, \\-\\-help\nThe usage, or the help of a function after call or help.\n"
         << ".TP\n.B \\-V, \\-\\-version\nThe version.\n";
     out << ".SH EXIT STATUS\n0 done; 1 a function failed (its text on standard error) or a "
@@ -190,6 +192,8 @@ void print_man_page(std::ostream& out) {
     for (const FunctionInfo& f : catalogue())
         out << ".TP\n.B " << roff_text(signature_of(f)) << "\n"
             << roff_text(trim(f.help, 0)) << (f.is_built() ? "" : " (Not built.)") << "\n";
+    out << ".SH FILES\nThe bash completion script is what\n.B zentable completion bash\nprints; "
+           "the installed package puts it in share/bash-completion/completions.\n";
     out << ".SH SEE ALSO\n"
         << ".B zentable help NAME\nfor the arguments of a function.\n";
 }

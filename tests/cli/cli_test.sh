@@ -270,9 +270,12 @@ check "list filters by name; --built leaves out what is not built" 0 $'linear_re
 check_match "list PATTERN counts what it shows" 0 $'\n[0-9]+ of 208 functions\\.$' -- "$Z" list REG
 
 # --- the demo on the shipped example data
-cp "$EXAMPLES"/*.csv "$EXAMPLES/demo.zt" .
+cp "$EXAMPLES"/*.csv "$EXAMPLES/demo.zt" "$EXAMPLES/gains.zt" .
 check_match "demo" 0 $'^Zentable 2\\.00 is built on .*\nlinearRegModel->[0-9]+\n.*Number of Records +2866\n.*End of output: linear_reg' \
     -- "$Z" run demo.zt
+
+check "the README's gains chart" 0 "PNG image data, 1200 x 400" "" \
+    -- bash -c "\"$Z\" run gains.zt --plot gains.png --size 1200x400 >/dev/null && file -b gains.png | cut -d, -f1-2"
 
 echo "$passed passed, $failed failed"
 [[ $failed == 0 ]]
