@@ -202,7 +202,7 @@ class ScratchFolder {
 
 bool is_chart_target(const std::string& path) {
     const std::string ext = extension_of(path);
-    return path == "-" || ext == ".png" || ext == ".svg" || ext == ".pdf";
+    return path == "-" || ext == ".png" || ext == ".svg" || ext == ".pdf" || ext == ".dat";
 }
 
 int draw_chart(const FunctionInfo& f, const CellMatrix& table, const OutputOptions& o,
@@ -236,12 +236,18 @@ int draw_chart(const FunctionInfo& f, const CellMatrix& table, const OutputOptio
         err << "zentable: cannot draw the chart: the result has none of the tables it draws\n";
         return 1;
     }
+    // A .dat file holds the points each panel draws, as gnuplot computed them.
+    const bool points_only = extension_of(o.plot) == ".dat";
+    auto points_file = [&](std::size_t p) {
+        return scratch.path() / ("points" + std::to_string(p));
+    };
     std::ostringstream script;
-    script << terminal_line(o) << "\nset output "
-           << quoted_text((scratch.path() / "chart").string())
-           << "\nset key bottom right box opaque\nset style fill solid 0.5\n"
+    if (!points_only)
+        script << terminal_line(o) << "\nset output "
+               << quoted_text((scratch.path() / "chart").string()) << "\n";
+    script << "set key bottom right box opaque\nset style fill solid 0.5\n"
            << (o.plot == "-" ? "" : "set grid\n");
-    if (drawn.size() > 1)
+    if (drawn.size() > 1 && !points_only)
         script << "set multiplot layout 1," << drawn.size() << "\n";
     for (std::size_t p = 0; p < drawn.size(); ++p) {
         const ChartPanel& panel = *drawn[p].panel;
@@ -265,6 +271,8 @@ int draw_chart(const FunctionInfo& f, const CellMatrix& table, const OutputOptio
         script << (panel.style == ChartPanel::bars ? "set xtics 1\n" : "set xtics autofreq\n");
         // A key only where it tells curves apart.
         script << (blocks.size() > 1 || panel.diagonal ? "set key\n" : "unset key\n");
+        if (points_only)
+            script << "set table " << quoted_text(points_file(p).string()) << "\n";
         script << "plot ";
         for (std::size_t i = 0; i < blocks.size(); ++i) {
             std::string x = gnuplot_expression(panel.x, blocks[i]);
@@ -286,15 +294,16 @@ int draw_chart(const FunctionInfo& f, const CellMatrix& table, const OutputOptio
                            : std::string(" notitle"));
         }
         // Bars stand on zero, which the axis then always shows.
-        if (panel.style == ChartPanel::bars)
+        if (panel.style == ChartPanel::bars && !points_only)
             script << ", 0 with lines linecolor 'black' notitle";
-        if (panel.diagonal)
+        if (panel.diagonal && !points_only)
             script << ", x with lines dashtype 2 title 'random'";
-        script << "\n";
+        script << (points_only ? "\nunset table\n" : "\n");
     }
-    if (drawn.size() > 1)
+    if (drawn.size() > 1 && !points_only)
         script << "unset multiplot\n";
-    script << "set output\n";
+    if (!points_only)
+        script << "set output\n";
     const fs::path script_file = scratch.path() / "chart.gp";
     const fs::path messages = scratch.path() / "messages";
     std::ofstream(script_file) << script.str();
@@ -308,6 +317,17 @@ int draw_chart(const FunctionInfo& f, const CellMatrix& table, const OutputOptio
                 text = trim(line, 0);
         err << "zentable: gnuplot could not draw the chart: " << text << "\n";
         return 1;
+    }
+    if (points_only) {
+        std::ofstream target(o.plot);
+        for (std::size_t p = 0; p < drawn.size(); ++p)
+            target << "# panel: " << drawn[p].panel->title << "\n"
+                   << std::ifstream(points_file(p)).rdbuf() << "\n";
+        if (!target) {
+            err << "zentable: cannot write the chart to " << o.plot << "\n";
+            return 1;
+        }
+        return 0;
     }
     std::ifstream picture(scratch.path() / "chart", std::ios::binary);
     if (o.plot == "-") {

@@ -9,7 +9,8 @@
 namespace zentable::cli {
 
 // True when --plot names a file the chart can be written as: .png, .svg,
-// .pdf, or "-" for a text chart on standard output.
+// .pdf, .dat for the points each panel draws, or "-" for a text chart on
+// standard output.
 bool is_chart_target(const std::string& path);
 
 // Draws the chart the catalogue declares for `function` from its result,

@@ -132,7 +132,7 @@ CommandLine parse_command_line(const std::vector<std::string>& args) {
             cl.options.plot = value();
             if (!is_chart_target(cl.options.plot))
                 throw DriverError(
-                    "--plot wants a file ending in .png, .svg or .pdf, or - for "
+                    "--plot wants a file ending in .png, .svg, .pdf or .dat, or - for "
                     "a text chart: " +
                     cl.options.plot);
         } else
@@ -147,7 +147,7 @@ int call_function(const std::vector<std::string>& words, const OutputOptions& op
     GuardedResult r;
     {
         // Reading the @ files is part of the wait.
-        const ProgressLine progress(err, !options.quiet);
+        const ProgressLine progress(!options.quiet);
         std::vector<GivenArgument> given;
         for (std::size_t i = 2; i < words.size(); ++i)
             given.push_back(given_argument(f, words[i], nullptr));

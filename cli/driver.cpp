@@ -264,7 +264,7 @@ int run_script(const std::string& path, const OutputOptions& options, std::ostre
         try {
             StatementOutcome done;
             {
-                const ProgressLine progress(err, !options.quiet);
+                const ProgressLine progress(!options.quiet);
                 done = session.run(text);
             }
             if (done.kind == StatementOutcome::failed) {

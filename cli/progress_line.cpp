@@ -5,8 +5,8 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <mutex>
-#include <ostream>
 #include <string>
 
 #include "commands/progress.hpp"
@@ -80,11 +80,11 @@ void listen(Unit unit, double done, double total) {
 
 }  // namespace
 
-ProgressLine::ProgressLine(std::ostream& err, bool wanted) {
+ProgressLine::ProgressLine(bool wanted) {
     if (!wanted || !::isatty(STDERR_FILENO))
         return;
     std::lock_guard<std::mutex> lock(state.mutex);
-    state.err = &err;
+    state.err = &std::cerr;
     state.started = Clock::now();
     state.quiet = quiet_start();
     state.last_shown = {};

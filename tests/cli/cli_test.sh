@@ -205,12 +205,12 @@ check "a script from standard input leaves no table for @-" 2 "" \
 
 # --- progress: a line on a terminal's standard error, never on standard output or in a pipe
 # script(1) gives the call a terminal and copies what it shows to its own standard output.
-ZENTABLE_PROGRESS_AFTER=0 script -qc "\"$Z\" call tree_boosting_ls_reg @x.csv @y.csv >tty.out" /dev/null >tty.screen
+ZENTABLE_PROGRESS_AFTER=0 script -qc "\"$Z\" call tree_boosting_ls_reg @x.csv @y.csv >tty.out" /dev/null >tty.screen </dev/null
 check "progress shows on a terminal, then clears" 0 "yes" "" \
     -- bash -c "grep -qaE \$'\r(reading: 0.0 MB of 0.0 MB|tree [0-9]+ of 100)\x1b\\[K' tty.screen &&
                 [[ \$(tail -c 4 tty.screen) == \$'\r\x1b[K' ]] && echo yes"
 check "progress: never on standard output, not with --quiet, not in a pipe" 0 "0 0 0" "" \
-    -- bash -c "ZENTABLE_PROGRESS_AFTER=0 script -qc \"'$Z' call tree_boosting_ls_reg @x.csv @y.csv --quiet >/dev/null\" /dev/null >q.screen
+    -- bash -c "ZENTABLE_PROGRESS_AFTER=0 script -qc \"'$Z' call tree_boosting_ls_reg @x.csv @y.csv --quiet >/dev/null\" /dev/null >q.screen </dev/null
                 ZENTABLE_PROGRESS_AFTER=0 \"$Z\" call tree_boosting_ls_reg @x.csv @y.csv 2>pipe.err >/dev/null
                 echo \$(tr -cd '\r' <tty.out | wc -c) \$(wc -c <q.screen) \$(wc -c <pipe.err)"
 
@@ -219,6 +219,15 @@ printf 'y,p\n1,0.9\n0,0.8\n1,0.7\n0,0.4\n1,0.35\n0,0.1\n' >scores.csv
 check "gains, lift and ROC of an evaluation as PNG" 0 "PNG image data, 900 x 300" "" \
     -- bash -c "\"$Z\" call model_bin_eval_from_file scores.csv y p 3 --plot eval.png --size 900x300 >/dev/null &&
                 file -b eval.png | cut -d, -f1-2"
+# Worked by hand: 6 records in 3 groups of 2 by score, Y = 1,1 | 0,1 | 0,0, so
+# W = 6 and B = 3. Gains: (cumF/W, cumB/B) = (1/3, 2/3), (2/3, 1), (1, 1);
+# lift: group mean over 1/2 = 2, 1, 0; ROC: ((cumF - cumB)/3, cumB/3) =
+# (0, 2/3), (1/3, 1), (1, 1); both curves from (0, 0).
+printf 'y,p\n1,0.9\n1,0.8\n0,0.7\n1,0.4\n0,0.35\n0,0.1\n' >ranked.csv
+check "the points of the gains chart, the lift and the ROC curve" 0 \
+    $'Gains chart\n0 0\n0.333 0.667\n0.667 1\n1 1\nLift per group\n1 2\n2 1\n3 0\nROC curve\n0 0\n0 0.667\n0.333 1\n1 1' "" \
+    -- bash -c "\"$Z\" call model_bin_eval_from_file ranked.csv y p 3 --plot points.dat >/dev/null &&
+                awk '/^# panel: / {sub(/^# panel: /, \"\"); print; next} /^ *[-0-9]/ {printf \"%.3g %.3g\\n\", \$1, \$2}' points.dat"
 check "a QQ plot as PNG" 0 "PNG image data, 640 x 480" "" \
     -- bash -c "\"$Z\" call QQ_plot @y.csv --plot qq.png --size 640x480 >/dev/null && file -b qq.png | cut -d, -f1-2"
 check "WOE per bin as PNG" 0 "PNG image data, 800 x 600" "" \
@@ -235,7 +244,7 @@ check "without gnuplot the table prints, then a clear text" 1 "#  Prob level  Q 
     "zentable: cannot draw the chart: the gnuplot program is not installed (Debian's package gnuplot-nox)" \
     -- bash -c "PATH=/nonexistent \"$Z\" call QQ_plot '{\"Prime Numbers\";1;2}' --plot q.png | head -1; exit \${PIPESTATUS[0]}"
 check "a chart file of no known kind" 2 "" \
-    "zentable: --plot wants a file ending in .png, .svg or .pdf, or - for a text chart: q.gif" \
+    "zentable: --plot wants a file ending in .png, .svg, .pdf or .dat, or - for a text chart: q.gif" \
     -- "$Z" call QQ_plot @y.csv --plot q.gif
 check "the chart's scratch files go when it is drawn" 0 "" "" \
     -- bash -c "mkdir -p tmp && TMPDIR=\$PWD/tmp \"$Z\" call QQ_plot @y.csv --plot - >/dev/null && ls -A tmp"
