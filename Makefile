@@ -6,7 +6,9 @@ JOBS ?= $(shell nproc)
 SANITIZE_BUILD ?= build-sanitize
 FUZZ_SECONDS ?= 60
 
-.PHONY: all deps configure build demo test bench clean format \
+PREFIX ?= /usr/local
+
+.PHONY: all deps configure build demo test bench clean format zentable install deb docs \
         configure-sanitize build-sanitize test-sanitize fuzz
 
 all: build
@@ -20,8 +22,27 @@ configure: deps
 build: configure
 	cmake --build $(BUILD) -j $(JOBS)
 
+# The driver alone, without the tests and benchmarks.
+zentable: configure
+	cmake --build $(BUILD) -j $(JOBS) --target zentable
+
+install: configure
+	cmake --build $(BUILD) -j $(JOBS) --target zentable zentable_docs
+	cmake --install $(BUILD) --prefix $(PREFIX)
+
+# A Debian package of the driver, its manual page and its completion.
+deb: configure
+	cmake --build $(BUILD) -j $(JOBS) --target zentable zentable_docs
+	cd $(BUILD) && cpack -G DEB
+
+# The function reference in docs/, written from the catalogue.
+docs: zentable
+	$(BUILD)/zentable help --markdown >docs/functions.md
+
 demo: build
 	cd examples && $(abspath $(BUILD))/zentable run demo.zt
+	cd examples && $(abspath $(BUILD))/zentable run gains.zt --plot $(abspath $(BUILD))/gains.png \
+	    --size 1200x400 >/dev/null
 
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)

@@ -32,11 +32,30 @@ std::string error_text(unsigned long code) {
     }
 }
 
-std::string number_text(double value) {
+// An integer small enough that every digit is exact shows every digit: ten
+// digits of 123456789012 would name a different integer.
+bool is_plain_integer(double value) {
+    return std::fabs(value) < 1e15 && value == std::trunc(value);
+}
+
+std::string rounded_text(double value, int digits) {
+    if (is_plain_integer(value)) {
+        char buffer[32];
+        std::snprintf(buffer, sizeof buffer, "%.0f", value == 0 ? 0.0 : value);
+        return buffer;
+    }
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%.*g", digits, value);
+    return buffer;
+}
+
+std::string number_text(double value, int digits = kShortest) {
     if (std::isnan(value))
         return "nan";
     if (std::isinf(value))
         return value > 0 ? "inf" : "-inf";
+    if (digits != kShortest)
+        return rounded_text(value, digits);
     // As few significant digits as read back to the same double, laid out as
     // %g lays them out; whole numbers below 1e16 stay plain. The layout is made
     // from the shortest digits directly: printf's own conversion costs more
@@ -49,28 +68,28 @@ std::string number_text(double value) {
     std::string text;
     if (*c == '-')
         text += *c++;
-    std::string digits;
+    std::string mantissa;
     for (; c < end && *c != 'e'; ++c)
         if (*c != '.')
-            digits += *c;
+            mantissa += *c;
     const int exponent = std::atoi(std::string(c + 1, end).c_str());
-    int precision = static_cast<int>(digits.size());
+    int precision = static_cast<int>(mantissa.size());
     if (exponent >= 0 && exponent < 16)
         precision = std::max(precision, exponent + 1);
     if (exponent < -4 || exponent >= precision) {
-        text += digits[0];
-        if (digits.size() > 1)
-            text += '.' + digits.substr(1);
+        text += mantissa[0];
+        if (mantissa.size() > 1)
+            text += '.' + mantissa.substr(1);
         char power[16];
         std::snprintf(power, sizeof power, "e%c%02d", exponent < 0 ? '-' : '+', std::abs(exponent));
         return text + power;
     }
     if (exponent < 0)
-        return text + "0." + std::string(static_cast<std::size_t>(-exponent - 1), '0') + digits;
+        return text + "0." + std::string(static_cast<std::size_t>(-exponent - 1), '0') + mantissa;
     const std::size_t whole = static_cast<std::size_t>(exponent) + 1;
-    if (digits.size() <= whole)
-        return text + digits + std::string(whole - digits.size(), '0');
-    return text + digits.substr(0, whole) + '.' + digits.substr(whole);
+    if (mantissa.size() <= whole)
+        return text + mantissa + std::string(whole - mantissa.size(), '0');
+    return text + mantissa.substr(0, whole) + '.' + mantissa.substr(whole);
 }
 
 std::string quoted(const std::string& text, char quote_char) {
@@ -84,8 +103,8 @@ std::string quoted(const std::string& text, char quote_char) {
     return out;
 }
 
-std::string csv_field(const CellValue& cell, char delimiter) {
-    std::string text = cell_text(cell);
+std::string csv_field(const CellValue& cell, char delimiter, int digits) {
+    std::string text = cell_text(cell, digits);
     if (!cell.IsString())
         return text;
     const bool needs_quotes = text.find(delimiter) != std::string::npos ||
@@ -127,23 +146,23 @@ std::string json_string(const std::string& text) {
     return out + "\"";
 }
 
-std::string json_value(const CellValue& cell) {
+std::string json_value(const CellValue& cell, int digits) {
     if (cell.IsEmpty())
         return "null";
     if (cell.IsBoolean())
         return cell.BooleanValue() ? "true" : "false";
     if (cell.IsANumber() && std::isfinite(cell.NumericValue()))
-        return number_text(cell.NumericValue());
+        return number_text(cell.NumericValue(), digits);
     return json_string(cell_text(cell));
 }
 
-void print_aligned(std::ostream& out, const CellMatrix& table) {
+void print_aligned(std::ostream& out, const CellMatrix& table, int digits) {
     const std::size_t rows = table.RowsInStructure(), columns = table.ColumnsInStructure();
     std::vector<std::vector<std::string>> texts(rows, std::vector<std::string>(columns));
     std::vector<std::size_t> width(columns, 0);
     for (std::size_t i = 0; i < rows; ++i)
         for (std::size_t j = 0; j < columns; ++j) {
-            texts[i][j] = cell_text(table(i, j));
+            texts[i][j] = cell_text(table(i, j), digits);
             width[j] = std::max(width[j], texts[i][j].size());
         }
     for (std::size_t i = 0; i < rows; ++i) {
@@ -164,11 +183,11 @@ void print_aligned(std::ostream& out, const CellMatrix& table) {
 
 }  // namespace
 
-std::string cell_text(const CellValue& cell) {
+std::string cell_text(const CellValue& cell, int digits) {
     if (cell.IsString())
         return cell.StringValue();
     if (cell.IsANumber())
-        return number_text(cell.NumericValue());
+        return number_text(cell.NumericValue(), digits);
     if (cell.IsBoolean())
         return cell.BooleanValue() ? "TRUE" : "FALSE";
     if (cell.IsError())
@@ -176,11 +195,11 @@ std::string cell_text(const CellValue& cell) {
     return std::string();
 }
 
-void print_table(std::ostream& out, const CellMatrix& table, Format format) {
+void print_table(std::ostream& out, const CellMatrix& table, Format format, int digits) {
     const std::size_t rows = table.RowsInStructure(), columns = table.ColumnsInStructure();
     switch (format) {
         case Format::table:
-            print_aligned(out, table);
+            print_aligned(out, table, digits == kShortest ? kTableDigits : digits);
             return;
         case Format::csv:
         case Format::tsv: {
@@ -189,7 +208,7 @@ void print_table(std::ostream& out, const CellMatrix& table, Format format) {
                 for (std::size_t j = 0; j < columns; ++j) {
                     if (j)
                         out << delimiter;
-                    out << csv_field(table(i, j), delimiter);
+                    out << csv_field(table(i, j), delimiter, digits);
                 }
                 out << '\n';
             }
@@ -200,7 +219,7 @@ void print_table(std::ostream& out, const CellMatrix& table, Format format) {
             for (std::size_t i = 0; i < rows; ++i) {
                 out << (i ? ",[" : "[");
                 for (std::size_t j = 0; j < columns; ++j)
-                    out << (j ? "," : "") << json_value(table(i, j));
+                    out << (j ? "," : "") << json_value(table(i, j), digits);
                 out << ']';
             }
             out << "]\n";

@@ -71,10 +71,11 @@ StatementOutcome ScriptSession::run(const std::string& statement) {
     StatementOutcome done;
     auto call = [&](const ScriptCall& c) {
         const FunctionInfo& f = function_named(c.function);
+        done.function = &f;
         std::vector<GivenArgument> given;
         for (const std::string& piece : split_arguments(c.inside))
             given.push_back(given_argument(f, piece, &results_));
-        const GuardedResult r = call_entry(f, bind_arguments(f, given));
+        const GuardedResult r = call_entry(f, bind_arguments(f, given, check_arguments_));
         if (r.failed()) {
             done.kind = StatementOutcome::failed;
             done.failure = failure_text(f, r);
@@ -91,6 +92,8 @@ StatementOutcome ScriptSession::run(const std::string& statement) {
             throw DriverError("no earlier result is named " + what.substr(0, bang));
         done.kind = StatementOutcome::printed;
         done.table = parse_value(what, &results_);
+        if (bang == std::string::npos)
+            done.function = made_by_[what];
         return done;
     }
     const auto eq = text.find('=');
@@ -105,8 +108,10 @@ StatementOutcome ScriptSession::run(const std::string& statement) {
             done.table = parse_value(rhs, &results_);
         else
             throw DriverError("cannot read this line: " + text);
-        if (done.kind != StatementOutcome::failed)
+        if (done.kind != StatementOutcome::failed) {
             results_[target] = done.table;
+            made_by_[target] = done.function;
+        }
         return done;
     }
     if (!parse_call(text, c))

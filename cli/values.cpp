@@ -5,10 +5,13 @@
 #include <charconv>
 #include <cstdlib>
 #include <fstream>
+#include <iostream>
+#include <sstream>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "commands/progress.hpp"
 #include "data/delimited_file.hpp"
 #include "driver_error.hpp"
 #include "xlw/cell_conversions.hpp"
@@ -80,9 +83,30 @@ bool parse_a1(const std::string& ref, std::size_t& row, std::size_t& column) {
 
 // The bytes of a file in one block backed by large pages: for a file of
 // millions of lines the first touch of small pages costs more than reading.
+enum class StandardInput { unread, table, script };
+StandardInput standard_input_use = StandardInput::unread;
+
+// The bytes of standard input, read whole the first time a table wants them.
+const std::string& standard_input_text() {
+    static std::string text;
+    if (standard_input_use == StandardInput::script)
+        throw DriverError("@- cannot read standard input: the script is read from it");
+    if (standard_input_use == StandardInput::unread) {
+        std::ostringstream all;
+        all << std::cin.rdbuf();
+        text = all.str();
+        standard_input_use = StandardInput::table;
+    }
+    return text;
+}
+
 class FileText {
   public:
     explicit FileText(const std::string& path) {
+        if (path == "-") {
+            text_ = standard_input_text();
+            return;
+        }
         std::ifstream in(path, std::ios::binary);
         if (!in)
             throw DriverError("cannot open file " + path);
@@ -92,8 +116,16 @@ class FileText {
         const std::size_t bytes = size > 0 ? static_cast<std::size_t>(size) : 0;
         block_ = std::make_unique<CellArena>(bytes + 1);
         char* data = static_cast<char*>(block_->take(bytes + 1));
-        in.read(data, static_cast<std::streamsize>(bytes));
-        text_ = std::string_view(data, static_cast<std::size_t>(in.gcount()));
+        // In blocks, so that the progress line can tell how far a big file is.
+        constexpr std::size_t kBlock = std::size_t(1) << 26;
+        std::size_t got = 0;
+        while (got < bytes && in) {
+            in.read(data + got, static_cast<std::streamsize>(std::min(kBlock, bytes - got)));
+            got += static_cast<std::size_t>(in.gcount());
+            progress::report(progress::Unit::bytes, static_cast<double>(in.gcount()),
+                             static_cast<double>(bytes));
+        }
+        text_ = std::string_view(data, got);
     }
     std::string_view text() const { return text_; }
 
@@ -226,6 +258,10 @@ void set_file_cell(CellValue& cell, std::string_view field, char delimiter, Text
 }
 
 }  // namespace
+
+void claim_standard_input_for_script() {
+    standard_input_use = StandardInput::script;
+}
 
 bool is_identifier(const std::string& word) {
     if (word.empty() || std::isdigit(static_cast<unsigned char>(word[0])))

@@ -25,8 +25,13 @@ bool is_identifier(const std::string& word);
 // {1,2;3,4}: columns by comma, rows by semicolon.
 CellMatrix parse_array_constant(const std::string& text);
 
-// A delimited file read as cells: numbers, TRUE/FALSE, empty cells, text.
+// A delimited file read as cells: numbers, TRUE/FALSE, empty cells, text;
+// "-" is standard input.
 CellMatrix read_cells_file(const std::string& path);
+
+// Standard input is read once in a run: a script read from it (run -) leaves
+// no table for @-, and every @- of a run reads the same table.
+void claim_standard_input_for_script();
 
 // One argument in any of its forms; `results` (may be null) resolves the
 // names of earlier results and their A1 ranges.

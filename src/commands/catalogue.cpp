@@ -16,7 +16,7 @@ ArgumentInfo plain(const char* name, const char* help) {
 }
 
 FunctionInfo function(const char* name, const char* help, std::vector<ArgumentInfo> args,
-                      Command command) {
+                      Command command, Chart chart) {
     FunctionInfo f;
     f.library = "Zentable";
     // The host's dialog runs help texts into other text; the blanks keep them apart.
@@ -25,6 +25,7 @@ FunctionInfo function(const char* name, const char* help, std::vector<ArgumentIn
     f.entry_name = std::string("xl") + name;
     f.args = std::move(args);
     f.command = std::move(command);
+    f.chart = std::move(chart);
     return f;
 }
 

@@ -31,6 +31,23 @@ struct Command {
     std::vector<ArgKind> kinds;
 };
 
+// One panel of the picture a result draws. It reads the table whose header
+// row starts with `header`, down to the first row whose first cell is not a
+// number. `x` and `y` are gnuplot expressions in which {Name} stands for the
+// column headed Name, {Sum:Name} for its running sum, and {Total:Name} for its
+// cell in the row whose first cell is "Total". A result that holds the table
+// more than once (one per variable) draws one curve for each.
+struct ChartPanel {
+    enum Style { lines, bars, points };
+    std::string title, x_label, y_label;
+    std::string header;
+    std::string x, y;
+    Style style = lines;
+    bool diagonal = false;     // the line y = x, from (0, 0) to (1, 1)
+    bool from_origin = false;  // the curve starts at (0, 0)
+};
+using Chart = std::vector<ChartPanel>;
+
 struct FunctionInfo {
     std::string library;
     std::string help;  // begins and ends with a blank
@@ -42,6 +59,7 @@ struct FunctionInfo {
     bool macro = false;
     bool async = false;
     Command command;
+    Chart chart;  // what --plot draws of the result; empty: no picture
 
     bool is_built() const { return command.invoke != nullptr; }
 };
@@ -109,7 +127,7 @@ Command command() {
 ArgumentInfo oper(const char* name, const char* help);   // any host value
 ArgumentInfo plain(const char* name, const char* help);  // a plain double, type "B"
 FunctionInfo function(const char* name, const char* help, std::vector<ArgumentInfo> args,
-                      Command command = {});
+                      Command command = {}, Chart chart = {});
 
 // All 208 functions, in registration order.
 const std::vector<FunctionInfo>& catalogue();

@@ -1,4 +1,5 @@
 #include "commands/catalogue.hpp"
+#include "commands/charts.hpp"
 #include "commands/utility.hpp"
 #include "data/sets.hpp"
 #include "data/sorting.hpp"
@@ -130,10 +131,12 @@ constexpr const char* kCoefs =
     "Two columns: variable names, with Intercept for the constant, and their coefficients";
 constexpr const char* kTreeConfig =
     "Two columns of settings and values: METHOD (LS, GINI or ENTROPY), NUMTERMINALS, MINSIZE, "
-    "MINCHILD and MAXLEVEL, each optional, defaults LS, 4, 50, 30 and 3";
+    "MINCHILD and MAXLEVEL, each optional, defaults LS, 4, 50, 30 and 3. Optional: omit for all "
+    "the defaults. Default: none";
 constexpr const char* kBoostingConfig =
     "Two columns of settings and values: LEARNRATE, NUMTREES, NUMTERMINALS, MINSIZE, MINCHILD and "
-    "MAXLEVEL, each optional, defaults 0.1, 100, 4, 50, 30 and 3";
+    "MAXLEVEL, each optional, defaults 0.1, 100, 4, 50, 30 and 3. Optional: omit for all the "
+    "defaults. Default: none";
 constexpr const char* kMaxLag =
     "Largest lag, a positive integer. Optional: omit for 10. Default: 10";
 constexpr const char* kAr =
@@ -439,7 +442,7 @@ const std::vector<FunctionInfo>& catalogue() {
             "QQ_plot",
             "Pairs the sorted values of a variable with the standard normal quantiles of their "
             "probability levels, for a normal QQ plot",
-            {oper("inputData", kColumnData)}, command<&QQ_plot>()),
+            {oper("inputData", kColumnData)}, command<&QQ_plot>(), qq_chart()),
         function("variable_corr_select",
                  "Finds the pairs of x variables whose correlation reaches a cut-off and keeps, of "
                  "each pair, the variable closer to y",
@@ -504,7 +507,7 @@ const std::vector<FunctionInfo>& catalogue() {
                   "Column of predicted probabilities with its name in the first cell"),
              oper("numBins", "Number of groups of the gains chart, a positive integer"),
              oper("weight", kWeight)},
-            command<&model_bin_eval>()),
+            command<&model_bin_eval>(), evaluation_chart()),
         function("model_bin_eval_from_file",
                  "Evaluates predictions of a binary target in a delimited data file by association "
                  "statistics and a gains chart",
@@ -513,7 +516,7 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("yPredictedName", "Name of the variable of predicted probabilities"),
                   oper("numBins", "Number of groups of the gains chart, a positive integer"),
                   oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
-                 command<&model_bin_eval_from_file>()),
+                 command<&model_bin_eval_from_file>(), evaluation_chart()),
         function(
             "model_cont_eval",
             "Evaluates predictions of a continuous target by an analysis of variance and a "
@@ -523,7 +526,7 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("numParams", "Number of parameters of the model, intercept included, at least 2"),
              oper("numBins", "Number of groups of the gains chart, a positive integer"),
              oper("weight", kWeight)},
-            command<&model_cont_eval>()),
+            command<&model_cont_eval>(), evaluation_chart()),
         function(
             "model_cont_eval_from_file",
             "Evaluates predictions of a continuous target in a delimited data file by an "
@@ -534,7 +537,7 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("numParams", "Number of parameters of the model, intercept included, at least 2"),
              oper("numBins", "Number of groups of the gains chart, a positive integer"),
              oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
-            command<&model_cont_eval_from_file>()),
+            command<&model_cont_eval_from_file>(), evaluation_chart()),
         function("model_eval",
                  "Scores data with a stored model and evaluates the predictions against the actual "
                  "values",
@@ -543,7 +546,7 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("y", "Column of actual values with its name in the first cell"),
                   oper("numBins", "Number of groups of the gains chart, a positive integer"),
                   oper("weight", kWeight)},
-                 command<&model_eval>()),
+                 command<&model_eval>(), evaluation_chart()),
         function("model_eval_from_file",
                  "Scores a delimited data file with a stored model and evaluates the predictions "
                  "against the actual values",
@@ -551,7 +554,7 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("yName", "Name of the variable of actual values"),
                   oper("numBins", "Number of groups of the gains chart, a positive integer"),
                   oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
-                 command<&model_eval_from_file>()),
+                 command<&model_eval_from_file>(), evaluation_chart()),
         function("model_score", "Scores data with a stored model, one prediction for each row",
                  {oper("model", kModel),
                   oper("x",
@@ -591,7 +594,7 @@ const std::vector<FunctionInfo>& catalogue() {
             {oper("x", kContinuousX), oper("y", kBinaryY), oper("initialNumBins", kInitialNumBins),
              oper("pvalue", kPValue), oper("maxNumBins", kMaxNumBins),
              oper("minNumRecords", kMinNumRecords), oper("weight", kWeight)},
-            command<&woe_xcont_ybin>()),
+            command<&woe_xcont_ybin>(), woe_chart()),
         function("woe_xcont_ybin_from_file",
                  "Bins continuous variables of a delimited data file against a binary target, "
                  "merging neighbouring bins, with weights of evidence and information values, and "
@@ -603,7 +606,7 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("initialNumBins", kInitialNumBins), oper("pvalue", kPValue),
                   oper("maxNumBins", kMaxNumBins), oper("minNumRecords", kMinNumRecords),
                   oper("weightName", kWeightName), oper("delimiter", kDelimiter)},
-                 command<&woe_xcont_ybin_from_file>()),
+                 command<&woe_xcont_ybin_from_file>(), woe_chart()),
         function("woe_xcont_ycont",
                  "Bins continuous variables against a continuous target, merging neighbouring "
                  "bins, with the mean target of each bin, and stores the binning. Records with x "
@@ -635,7 +638,7 @@ const std::vector<FunctionInfo>& catalogue() {
                        "Column of record weights with its name in the first cell; counts are of "
                        "records whatever the weights. Optional: omit for equal weights. Default: "
                        "1.0 for every record")},
-                 command<&woe_xcat_ybin>()),
+                 command<&woe_xcat_ybin>(), woe_chart()),
         function("woe_xcat_ybin_from_file",
                  "Groups the categories of variables of a delimited data file against a binary "
                  "target, with weights of evidence and information values, and stores the grouping",
@@ -643,7 +646,7 @@ const std::vector<FunctionInfo>& catalogue() {
                   oper("yName", "Name of the binary target in the file"), oper("pvalue", kPValue),
                   oper("maxNumBins", kMaxNumBins), oper("weightName", kWeightName),
                   oper("delimiter", kDelimiter)},
-                 command<&woe_xcat_ybin_from_file>()),
+                 command<&woe_xcat_ybin_from_file>(), woe_chart()),
         function("woe_xcat_ycont",
                  "Groups the categories of variables against a continuous target, merging groups "
                  "of similar mean, and stores the grouping",

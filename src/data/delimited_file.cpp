@@ -14,6 +14,7 @@
 
 #include <sys/stat.h>
 
+#include "commands/progress.hpp"
 #include "xlw/cell_conversions.hpp"
 
 namespace zentable {
@@ -405,9 +406,9 @@ LineReader::LineReader(const std::string& filename, long long begin, long long e
     }
     // A file smaller than a block gets a block of its own size (never empty).
     struct stat info {};
-    const long long remaining = ::fstat(::fileno(file_), &info) == 0 && S_ISREG(info.st_mode)
-                                    ? static_cast<long long>(info.st_size) - begin
-                                    : static_cast<long long>(kBlockSize);
+    const bool regular = ::fstat(::fileno(file_), &info) == 0 && S_ISREG(info.st_mode);
+    file_size_ = regular ? static_cast<long long>(info.st_size) : 0;
+    const long long remaining = regular ? file_size_ - begin : static_cast<long long>(kBlockSize);
     block_size_ = static_cast<std::size_t>(
         std::clamp<long long>(remaining + 1, 1, static_cast<long long>(kBlockSize)));
     block_.reset(new char[block_size_]);
@@ -421,6 +422,8 @@ LineReader::~LineReader() {
 bool LineReader::fill_block() {
     block_begin_ = 0;
     block_end_ = std::fread(block_.get(), 1, block_size_, file_);
+    progress::report(progress::Unit::bytes, static_cast<double>(block_end_),
+                     static_cast<double>(file_size_));
     return block_end_ > 0;
 }
 

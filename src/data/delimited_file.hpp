@@ -91,6 +91,7 @@ class LineReader {
     std::size_t length_ = 0;
     long long offset_;
     long long end_;
+    long long file_size_ = 0;  // 0 when not a regular file
     bool at_file_start_;
 };
 

@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+#include "commands/progress.hpp"
 #include "numeric/distributions.hpp"
 
 namespace zentable {
@@ -100,6 +101,7 @@ LogLikelihood logistic_newton(const dmat& x, const dvec& y, const dvec& weight, 
     LogLikelihood current = logistic_loglik(z, y, weight, b);
     bool converged = false;
     for (int iteration = 0; iteration < kMaxIterations && !converged; ++iteration) {
+        progress::report(progress::Unit::iterations, iteration + 1, kMaxIterations);
         const double old_ll = current.value;
         const dvec direction = mat_vec(inverse(current.hessian), current.gradient);
         double step = 1.0;

@@ -6,6 +6,8 @@
 #include <numeric>
 #include <vector>
 
+#include "commands/progress.hpp"
+
 namespace zentable {
 
 namespace {
@@ -54,6 +56,7 @@ SimplexResult nelder_mead(const Objective& objective, const dvec& start) {
         if (result.rounds == kMaxRounds)
             break;
         ++result.rounds;
+        progress::report(progress::Unit::iterations, result.rounds, kMaxRounds);
 
         dvec centroid(k, 0.0);
         for (std::size_t v = 0; v < k; ++v)

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "commands/progress.hpp"
+
 namespace zentable {
 
 namespace {
@@ -51,6 +53,7 @@ BoostingFit boost(const TreeTable& data, const dvec& target, double F0,
     std::vector<std::size_t> leaf(n);
     const svec no_names;
     for (int m = 1; m <= numTrees; ++m) {
+        progress::report(progress::Unit::trees, m, numTrees);
         for (std::size_t i = 0; i < n; ++i) {
             residual[i] = loss.residual(target[i], fit.scores[i]);
             work(i, y_column) = residual[i];

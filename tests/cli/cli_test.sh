@@ -47,8 +47,10 @@ check_match() {
     fi
 }
 
-USAGE='usage: zentable list | help NAME | call NAME [ARG...] | run SCRIPT
-       options: --format table|csv|tsv|json  --range RxC  --help  (-- ends the options)'
+USAGE='usage: zentable list [PATTERN] [--built] | help [NAME|call|run|syntax] | call NAME [ARG...]
+       | run SCRIPT|- | completion bash | --version
+       options: --format table|csv|tsv|json  --digits N  --range RxC  --plot FILE|-
+                --size WxH  --quiet  --help  (-- ends the options)'
 
 printf 'x1,x2\n1,5\n2,3\n3,8\n4,1\n5,2\n6,9\n' >x.csv
 printf 'y\n1\n3\n2\n5\n4\n6\n' >y.csv
@@ -184,11 +186,119 @@ check "a script that uses a result before making it" 2 "" "early.zt:1: no earlie
 check "a directory as a file" 1 "" "Error: cannot find the variable (x1) in data file" \
     -- "$Z" call univariate_from_file . x1
 
+# --- numbers for people: 10 digits in a table, the shortest exact digits elsewhere
+# y = 1, 2, 4 on x = 1, 2, 3: slope 3/2 and intercept -2/3 by hand; the fit's
+# double for the slope is one unit in the last place below 1.5.
+LINE="\"$Z\" call linear_reg '{\"x\";1;2;3}' '{\"y\";1;2;4}'"
+check "a table shows 10 significant digits" 0 $'Intercept -0.6666666667\nx 1.5' "" \
+    -- bash -c "$LINE | awk 'NR == 22 || NR == 23 {print \$2, \$3}'"
+check "csv keeps the shortest exact digits; --digits rounds every format" 0 \
+    $'1.4999999999999998\n1.5\n1.5\n[1,"x",1.5,0.289' "" \
+    -- bash -c "$LINE --format csv | sed -n 23p | cut -d, -f3
+                $LINE --format csv --digits 3 | sed -n 23p | cut -d, -f3
+                $LINE --format tsv --digits 3 | sed -n 23p | cut -f3
+                $LINE --format json --digits 3 | grep -o '\[1,\"x\",[^,]*,[^,]*'"
+check "an integer prints with no point" 0 "Number of Records,3" "" \
+    -- bash -c "\"$Z\" call linear_reg '{\"x\";1;2;3}' '{\"y\";1;2;4}' --format csv --digits 2 | sed -n 5p | cut -d, -f1-2"
+check "bad digits" 2 "" "zentable: --digits wants a count of significant digits from 1 to 17: 18" \
+    -- "$Z" call version --digits 18
+
+# --- pipes: a table and a script from standard input
+check "@- reads a table from a pipe, twice the same" 0 $'Set Union Elements:\nx\n1\n3' "" \
+    -- bash -c "printf 'x\n3\n1\n' | \"$Z\" call set_union @- @- --format csv"
+check "run - reads the script from a pipe; JSON Lines" 0 \
+    $'[["Prime Numbers",null],[1,2]]\n[["Prime Numbers",null],[1,2],[2,3]]' "" \
+    -- bash -c "printf 'p = prime_numbers(1)\nprint p\nprime_numbers(2)\n' | \"$Z\" run - --format json"
+check "JSON Lines: each line parses on its own" 0 $'2\n3' "" \
+    -- bash -c "printf 'prime_numbers(1)\nprime_numbers(2)\n' | \"$Z\" run - --format json |
+                python3 -c 'import json, sys; [print(len(json.loads(l))) for l in sys.stdin]'"
+check "a script from standard input leaves no table for @-" 2 "" \
+    "stdin:1: @- cannot read standard input: the script is read from it" \
+    -- bash -c "printf 'freq(@-)\n' | \"$Z\" run -"
+
+# --- progress: a line on a terminal's standard error, never on standard output or in a pipe
+# script(1) gives the call a terminal and copies what it shows to its own standard output.
+ZENTABLE_PROGRESS_AFTER=0 script -qc "\"$Z\" call tree_boosting_ls_reg @x.csv @y.csv >tty.out" /dev/null >tty.screen </dev/null
+check "progress shows on a terminal, then clears" 0 "yes" "" \
+    -- bash -c "grep -qaE \$'\r(reading: 0.0 MB of 0.0 MB|tree [0-9]+ of 100)\x1b\\[K' tty.screen &&
+                [[ \$(tail -c 4 tty.screen) == \$'\r\x1b[K' ]] && echo yes"
+check "progress: never on standard output, not with --quiet, not in a pipe" 0 "0 0 0" "" \
+    -- bash -c "ZENTABLE_PROGRESS_AFTER=0 script -qc \"'$Z' call tree_boosting_ls_reg @x.csv @y.csv --quiet >/dev/null\" /dev/null >q.screen </dev/null
+                ZENTABLE_PROGRESS_AFTER=0 \"$Z\" call tree_boosting_ls_reg @x.csv @y.csv 2>pipe.err >/dev/null
+                echo \$(tr -cd '\r' <tty.out | wc -c) \$(wc -c <q.screen) \$(wc -c <pipe.err)"
+
+# --- charts through gnuplot: a PNG of the asked size for each kind, a text chart on the terminal
+printf 'y,p\n1,0.9\n0,0.8\n1,0.7\n0,0.4\n1,0.35\n0,0.1\n' >scores.csv
+check "gains, lift and ROC of an evaluation as PNG" 0 "PNG image data, 900 x 300" "" \
+    -- bash -c "\"$Z\" call model_bin_eval_from_file scores.csv y p 3 --plot eval.png --size 900x300 >/dev/null &&
+                file -b eval.png | cut -d, -f1-2"
+# Worked by hand: 6 records in 3 groups of 2 by score, Y = 1,1 | 0,1 | 0,0, so
+# W = 6 and B = 3. Gains: (cumF/W, cumB/B) = (1/3, 2/3), (2/3, 1), (1, 1);
+# lift: group mean over 1/2 = 2, 1, 0; ROC: ((cumF - cumB)/3, cumB/3) =
+# (0, 2/3), (1/3, 1), (1, 1); both curves from (0, 0).
+printf 'y,p\n1,0.9\n1,0.8\n0,0.7\n1,0.4\n0,0.35\n0,0.1\n' >ranked.csv
+check "the points of the gains chart, the lift and the ROC curve" 0 \
+    $'Gains chart\n0 0\n0.333 0.667\n0.667 1\n1 1\nLift per group\n1 2\n2 1\n3 0\nROC curve\n0 0\n0 0.667\n0.333 1\n1 1' "" \
+    -- bash -c "\"$Z\" call model_bin_eval_from_file ranked.csv y p 3 --plot points.dat >/dev/null &&
+                awk '/^# panel: / {sub(/^# panel: /, \"\"); print; next} /^ *[-0-9]/ {printf \"%.3g %.3g\\n\", \$1, \$2}' points.dat"
+check "a QQ plot as PNG" 0 "PNG image data, 640 x 480" "" \
+    -- bash -c "\"$Z\" call QQ_plot @y.csv --plot qq.png --size 640x480 >/dev/null && file -b qq.png | cut -d, -f1-2"
+check "WOE per bin as PNG" 0 "PNG image data, 800 x 600" "" \
+    -- bash -c "printf 'x,y\n1,0\n2,0\n3,1\n4,0\n5,1\n6,1\n7,0\n8,1\n' >woe.csv
+                \"$Z\" call woe_xcont_ybin_from_file woe.csv x y 2 1 --plot woe.png >/dev/null && file -b woe.png | cut -d, -f1-2"
+check "SVG and PDF by the extension" 0 $'SVG Scalable Vector Graphics image\nPDF document' "" \
+    -- bash -c "\"$Z\" call QQ_plot @y.csv --plot qq.svg >/dev/null && file -b qq.svg | cut -d, -f1
+                \"$Z\" call QQ_plot @y.csv --plot qq.pdf >/dev/null && file -b qq.pdf | cut -d, -f1"
+check_match "--plot - draws a text chart after the table" 0 $'^#  Prob level .*\n.*Normal QQ plot.*Standard normal quantile' \
+    -- "$Z" call QQ_plot @y.csv --plot -
+check "a function that draws nothing" 1 "Prime Numbers" "zentable: prime_numbers draws no chart" \
+    -- bash -c "\"$Z\" call prime_numbers 1 --plot p.png | head -1; exit \${PIPESTATUS[0]}"
+check "without gnuplot the table prints, then a clear text" 1 "#  Prob level  Q              Prime Numbers" \
+    "zentable: cannot draw the chart: the gnuplot program is not installed (Debian's package gnuplot-nox)" \
+    -- bash -c "PATH=/nonexistent \"$Z\" call QQ_plot '{\"Prime Numbers\";1;2}' --plot q.png | head -1; exit \${PIPESTATUS[0]}"
+check "a chart file of no known kind" 2 "" \
+    "zentable: --plot wants a file ending in .png, .svg, .pdf or .dat, or - for a text chart: q.gif" \
+    -- "$Z" call QQ_plot @y.csv --plot q.gif
+check "the chart's scratch files go when it is drawn" 0 "" "" \
+    -- bash -c "mkdir -p tmp && TMPDIR=\$PWD/tmp \"$Z\" call QQ_plot @y.csv --plot - >/dev/null && ls -A tmp"
+
+# --- completion, conventions, help
+# bash completes a word to the longest start its candidates share.
+check "completion loads in bash and completes a function name" 0 "linear_reg" "" \
+    -- bash -c "source <(\"$Z\" completion bash)
+                COMP_WORDS=(zentable call linear_r); COMP_CWORD=2; _zentable
+                printf '%s\n' \"\${COMPREPLY[@]}\" | sed -e '1{h;d}' -e 'G;s/^\(.*\).*\n\1.*/\1/;h;\$!d'"
+check "completion of argument names" 0 "weight=" "" \
+    -- bash -c "source <(\"$Z\" completion bash)
+                COMP_WORDS=(zentable --format csv call linear_reg @x.csv we); COMP_CWORD=6; _zentable; echo \"\${COMPREPLY[*]}\""
+check "--version and -V" 0 $'zentable 2.00\nzentable 2.00' "" -- bash -c "\"$Z\" --version; \"$Z\" -V"
+check "-h is --help" 0 "$USAGE" "" -- "$Z" -h
+check_match "help syntax" 0 $'^Arguments, on the command line and in scripts:\n.*single-quote every \\{\\.\\.\\.\\} and every handle.*\nScript lines:' \
+    -- "$Z" help syntax
+check_match "help call and help run" 0 $'^zentable call NAME.*\nzentable run SCRIPT' \
+    -- bash -c "\"$Z\" help call; \"$Z\" help run"
+check "the driver names a required argument" 2 "" "zentable: linear_reg: argument y is required" \
+    -- "$Z" call linear_reg @x.csv
+check "in a script too" 2 "" "stdin:1: linear_reg: argument y is required" \
+    -- bash -c "echo 'linear_reg(@x.csv, _)' | \"$Z\" run -"
+check "did you mean, for a function" 2 "" "zentable: unknown function linear_regression; did you mean linear_reg?" \
+    -- "$Z" call linear_regression @x.csv @y.csv
+check "did you mean, for an argument" 2 "" "zentable: linear_reg has no argument named wieght; did you mean weight?" \
+    -- "$Z" call linear_reg @x.csv @y.csv wieght=1
+check "one argument" 2 "" "zentable: means takes 1 argument: means(inputData)" -- "$Z" call means 1 2
+check "list filters by name; --built leaves out what is not built" 0 $'linear_reg\nlinear_reg_from_file\nlogistic_reg\nlogistic_reg_from_file\n0' "" \
+    -- bash -c "\"$Z\" list reg --built | grep -E '^(linear|logistic)_reg(_from_file)? ' | cut -d' ' -f1
+                \"$Z\" list reg --built | awk '/^[a-zA-Z_]+ +- / {n++} END {print n+0}'"
+check_match "list PATTERN counts what it shows" 0 $'\n[0-9]+ of 208 functions\\.$' -- "$Z" list REG
+
 # --- the demo on the shipped example data; how its fits ended is the one thing
 # it may say on stderr
-cp "$EXAMPLES"/*.csv "$EXAMPLES/demo.zt" .
+cp "$EXAMPLES"/*.csv "$EXAMPLES/demo.zt" "$EXAMPLES/gains.zt" .
 check_match "demo" 0 $'^Zentable 2\\.00 is built on .*\nlinearRegModel->[0-9]+\n.*Number of Records +2866\n.*End of output: linear_reg' \
     -- bash -c "set -o pipefail; { \"$Z\" run demo.zt 2>&1 1>&3 | sed '/^ Criteria :/d' >&2; } 3>&1"
+
+check "the README's gains chart" 0 "PNG image data, 1200 x 400" "" \
+    -- bash -c "\"$Z\" run gains.zt --plot gains.png --size 1200x400 >/dev/null && file -b gains.png | cut -d, -f1-2"
 
 echo "$passed passed, $failed failed"
 [[ $failed == 0 ]]

@@ -52,5 +52,33 @@ TEST(Driver, NumbersPrintShortestAndReadBackExactly) {
     }
 }
 
+TEST(Driver, DigitsRoundAsASheetCellInGeneralFormatShows) {
+    auto text = [](double v, int digits) { return cell_text(CellMatrix(v)(0, 0), digits); };
+    EXPECT_EQ(text(0.26666666666666666, 10), "0.2666666667");
+    EXPECT_EQ(text(1234567.891234, 10), "1234567.891");
+    EXPECT_EQ(text(0.5, 10), "0.5");         // no trailing zeros
+    EXPECT_EQ(text(2.5e-7, 10), "2.5e-07");  // small: an exponent
+    EXPECT_EQ(text(12345678901.5, 10), "1.23456789e+10");
+    EXPECT_EQ(text(3.14159, 3), "3.14");
+    EXPECT_EQ(text(0.1, 17), "0.10000000000000001");
+    // An integer keeps every digit and no point: ten digits of it would name
+    // another integer.
+    EXPECT_EQ(text(123456789012.0, 10), "123456789012");
+    EXPECT_EQ(text(-2866, 2), "-2866");
+    EXPECT_EQ(text(1e15, 10), "1e+15");
+}
+
+TEST(Driver, SuggestsTheClosestNames) {
+    const std::vector<std::string> arguments = {"x", "y", "weight", "lambda"};
+    EXPECT_EQ(suggestion("wieght", arguments), "did you mean weight?");
+    EXPECT_EQ(suggestion("LAMBDA", arguments), "did you mean lambda?");
+    EXPECT_EQ(suggestion("colour", arguments), "");
+    const std::vector<std::string> functions = {"linear_reg", "linear_reg_from_file",
+                                                "logistic_reg", "means"};
+    // A longer spelling of a name shares its start; the closest comes first.
+    EXPECT_EQ(suggestion("linear_regression", functions), "did you mean linear_reg?");
+    EXPECT_EQ(suggestion("mean", functions), "did you mean means?");
+}
+
 }  // namespace
 }  // namespace zentable::cli
