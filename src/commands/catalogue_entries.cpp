@@ -1024,8 +1024,8 @@ const std::vector<FunctionInfo>& catalogue() {
                  "standard errors and forecasts",
                  {oper("x", kSeries),
                   oper("hasMean",
-                       "TRUE when the model has a mean, which needs d of 0. Optional: omit for a "
-                       "mean. Default: TRUE"),
+                       "TRUE when the model has a mean, which needs d and seasonalD of 0. "
+                       "Optional: omit for a mean. Default: TRUE"),
                   oper("p",
                        "Order of the AR part, a non-negative integer. Optional: omit for 0. "
                        "Default: 0"),

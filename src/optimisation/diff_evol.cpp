@@ -62,9 +62,6 @@ constexpr const char* kBoundsOrder =
     "lower bound must be less than or equal to upper bound in lowerAndUpperBound";
 constexpr const char* kMaxGenerations = "Input maxNumGenerations must be a positive integer";
 constexpr const char* kSeed = "Input seed must be a non-negative integer";
-constexpr const char* kNoX = "No input data for X";
-constexpr const char* kNoY = "No input data for Y";
-constexpr const char* kNegativeWeight = "The input weight must be non-negative";
 constexpr const char* kUnequalCounts =
     "The numbers of observations in input data X, Y, and weight must be the same";
 constexpr const char* kTableName = "lowerAndUpperBound";
@@ -154,31 +151,14 @@ struct SolverData {
     dvec weight;
 };
 
-void check_weights(const dvec& weight) {
-    for (double w : weight) {
-        if (w < 0) {
-            throw kNegativeWeight;
-        }
-    }
-}
-
 SolverData read_nls_data(const CellMatrix& x, const CellMatrix& y, const CellMatrix& weight) {
-    if (is_omitted(x)) {
-        throw kNoX;
-    }
-    if (is_omitted(y)) {
-        throw kNoY;
-    }
-    XYW d = read_xyw(x, y, weight);
-    check_weights(d.weight);
+    XYW d = read_fit_data(x, y, weight);
     return {std::move(d.x_names), std::move(d.x),           std::move(d.y_name), std::move(d.y),
             d.has_weight,         std::move(d.weight_name), std::move(d.weight)};
 }
 
 SolverData read_min_data(const CellMatrix& x, const CellMatrix& weight) {
-    if (is_omitted(x)) {
-        throw kNoX;
-    }
+    require_fit_x(x);
     NamedTable xs = read_table_with_headers(x);
     SolverData d;
     d.x_names = std::move(xs.names);
@@ -197,7 +177,7 @@ SolverData read_min_data(const CellMatrix& x, const CellMatrix& weight) {
             d.weight.push_back(d.has_weight ? ws.values[i] : 1.0);
         }
     }
-    check_weights(d.weight);
+    check_fit_weights(d.weight);
     return d;
 }
 

@@ -161,4 +161,28 @@ CellMatrix integral(const CellMatrix& func, const CellMatrix& from, const CellMa
     return result;
 }
 
+void require_fit_x(const CellMatrix& x) {
+    if (is_omitted(x)) {
+        throw "No input data for X";
+    }
+}
+
+void check_fit_weights(const dvec& weight) {
+    for (double w : weight) {
+        if (w < 0) {
+            throw "The input weight must be non-negative";
+        }
+    }
+}
+
+XYW read_fit_data(const CellMatrix& x, const CellMatrix& y, const CellMatrix& weight) {
+    require_fit_x(x);
+    if (is_omitted(y)) {
+        throw "No input data for Y";
+    }
+    XYW d = read_xyw(x, y, weight);
+    check_fit_weights(d.weight);
+    return d;
+}
+
 }  // namespace zentable

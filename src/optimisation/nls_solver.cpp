@@ -117,9 +117,6 @@ using QuantLib::Array;
 using QuantLib::EndCriteria;
 using QuantLib::Real;
 
-constexpr const char* kNoX = "No input data for X";
-constexpr const char* kNoY = "No input data for Y";
-constexpr const char* kNegativeWeight = "The input weight must be non-negative";
 constexpr const char* kParamsShape =
     "Input params must have 2 columns or 4 columns: parameter name, initial value, minimum value "
     "(optional), maximum value (optional)";
@@ -266,22 +263,10 @@ dvec standard_errors(const dmat& jacobian_factor, double rmse) {
 
 namespace {
 
-// Decoded as the other solvers of data decode theirs; only complete records stay.
 // Gives the header of y, which the problem itself doesn't need.
-std::string read_fit_data(const CellMatrix& x, const CellMatrix& y, const CellMatrix& weight,
-                          LeastSquaresProblem& p) {
-    if (is_omitted(x)) {
-        throw kNoX;
-    }
-    if (is_omitted(y)) {
-        throw kNoY;
-    }
-    XYW d = read_xyw(x, y, weight);
-    for (double w : d.weight) {
-        if (w < 0) {
-            throw kNegativeWeight;
-        }
-    }
+std::string read_problem_data(const CellMatrix& x, const CellMatrix& y, const CellMatrix& weight,
+                              LeastSquaresProblem& p) {
+    XYW d = read_fit_data(x, y, weight);
     p.column_names = std::move(d.x_names);
     p.rows = std::move(d.x);
     p.y = std::move(d.y);
@@ -372,7 +357,7 @@ CellMatrix nls_solver(const CellMatrix& func, const CellMatrix& params, const Ce
                       const CellMatrix& y, const CellMatrix& weight) {
     LeastSquaresProblem p;
     p.text = read_expression(func);
-    const std::string y_name = read_fit_data(x, y, weight, p);
+    const std::string y_name = read_problem_data(x, y, weight, p);
     read_params(params, p);
 
     QuantLib::GenericCostFunction cost(p);
