@@ -105,8 +105,8 @@ void pivot(Tableau& t, long last, long ip, long kp) {
 
 }  // namespace
 
-SimplexResult simplex_maximise(const dvec& c, const dmat& a, const dvec& b, int le, int ge,
-                               int eq) {
+LinearProgramResult simplex_maximise(const dvec& c, const dmat& a, const dvec& b, int le, int ge,
+                                     int eq) {
     const long n = static_cast<long>(c.size());
     const long m = static_cast<long>(a.size());
     const long m1 = le;
@@ -132,7 +132,7 @@ SimplexResult simplex_maximise(const dvec& c, const dmat& a, const dvec& b, int 
             throw "Bad input tableau in simplx";
         iposv[i] = n + i;
     }
-    SimplexResult result;
+    LinearProgramResult result;
     long kp = 0;
     double bmax = 0.0;
     if (m2 + eq != 0) {
@@ -220,7 +220,7 @@ CellMatrix linear_prog(const CellMatrix& c, const CellMatrix& constraints,
     if (!maximise)
         for (double& v : objective)
             v = -v;
-    const SimplexResult solved =
+    const LinearProgramResult solved =
         simplex_maximise(objective, rows.a, rows.b, rows.le_count, rows.ge_count, rows.eq_count);
     if (solved.status == SimplexStatus::unbounded)
         return CellMatrix("Objective function is unbounded");

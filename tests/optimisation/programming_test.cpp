@@ -28,8 +28,8 @@ TEST(Simplex, GuardsItsOwnInput) {
 // Traced by hand: y enters first (coefficient 5) on the row 2y <= 12, then x
 // on 3x + 2y <= 18; "<=" rows alone start feasible and take no phase-one pivot.
 TEST(Simplex, LessOrEqualRowsOnlyGoStraightToPhaseTwo) {
-    const SimplexResult r = simplex_maximise({3.0, 5.0}, {{1.0, 0.0}, {0.0, 2.0}, {3.0, 2.0}},
-                                             {4.0, 12.0, 18.0}, 3, 0, 0);
+    const LinearProgramResult r = simplex_maximise({3.0, 5.0}, {{1.0, 0.0}, {0.0, 2.0}, {3.0, 2.0}},
+                                                   {4.0, 12.0, 18.0}, 3, 0, 0);
     ASSERT_EQ(r.status, SimplexStatus::optimal);
     EXPECT_EQ(r.pivots, 2);
     EXPECT_EQ(r.objective, 36.0);
