@@ -40,6 +40,7 @@ docs: zentable
 	$(BUILD)/zentable help --markdown >docs/functions.md
 
 demo: build
+	mkdir -p build/svm_demo
 	cd examples && $(abspath $(BUILD))/zentable run demo.zt
 	cd examples && $(abspath $(BUILD))/zentable run gains.zt --plot $(abspath $(BUILD))/gains.png \
 	    --size 1200x400 >/dev/null

@@ -7,6 +7,7 @@
 #include "learners/discriminant.hpp"
 #include "learners/naive_bayes.hpp"
 #include "learners/neural_net.hpp"
+#include "learners/svm.hpp"
 #include "models/model_eval.hpp"
 #include "models/scoring.hpp"
 #include "multivariate/k_means.hpp"
@@ -1352,7 +1353,8 @@ const std::vector<FunctionInfo>& catalogue() {
                   "for 100. Default: 100"),
              oper("doScaling",
                   "1 scales the variables before training, 0 does not. Optional: omit to "
-                  "scale. Default: 1")}),
+                  "scale. Default: 1")},
+            command<&svm>()),
         function(
             "svm_from_file",
             "Trains a support vector machine on a delimited data file for classification or "
@@ -1379,7 +1381,8 @@ const std::vector<FunctionInfo>& catalogue() {
              oper("doScaling",
                   "1 scales the variables before training, 0 does not. Optional: omit to "
                   "scale. Default: 1"),
-             oper("delimiter", kDelimiter)}),
+             oper("delimiter", kDelimiter)},
+            command<&svm_from_file>()),
 
         // Optimisation
         function(

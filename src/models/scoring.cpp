@@ -6,6 +6,7 @@
 #include "learners/discriminant.hpp"
 #include "learners/naive_bayes.hpp"
 #include "learners/neural_net.hpp"
+#include "learners/svm.hpp"
 #include "models/model_store.hpp"
 #include "regression/linear_reg_model.hpp"
 #include "regression/logistic_fit.hpp"
@@ -21,7 +22,7 @@ namespace {
 
 // Classes that other families will teach to score; until then a handle of
 // theirs fails in plain words, never with made-up numbers.
-const char* const kNotYetScored[] = {"plsRegModel", "polyRegModel", "svmModel"};
+const char* const kNotYetScored[] = {"plsRegModel", "polyRegModel"};
 
 bool one_of(const std::string& name, const char* const* first, const char* const* last) {
     return std::find(first, last, name) != last;
@@ -144,6 +145,18 @@ ModelScores score_by_model(const std::string& model, const svec& names, const dm
             scores.parameter_count = static_cast<int>(net.variableNames.size()) + 1;
         }
         scores.predictions = scoreNeuralNet(net, names, data);
+        return scores;
+    }
+    if (scores.class_name == "svmModel") {
+        const handle_c<svmModel> fit = string_to_handle<svmModel>(key);
+        if (fit->svmType == "SVC") {
+            scores.type = "BIN";
+            scores.levels = fit->levels;
+        } else {
+            scores.type = "CONT";
+            scores.parameter_count = static_cast<int>(fit->variableNames.size()) + 1;
+        }
+        scores.predictions = scoreSvm(*fit, names, data);
         return scores;
     }
     if (one_of(scores.class_name, std::begin(kNotYetScored), std::end(kNotYetScored)))
