@@ -13,6 +13,7 @@
 #         MASS::qda on the data frame in memory, each timed alone.
 # usage: bench/classifier_vs_r.sh [BUILD_DIR]
 set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
 BUILD=$(cd "${1:-build}" && pwd)
 FILE=$BUILD/bench/bench_classes_1e6x20.csv
 [ -f "$FILE" ] || "$BUILD/bench/make_numeric_file" "$FILE" 1000000 20 20261123 classes
@@ -20,13 +21,7 @@ WORK=$(mktemp -d)
 trap 'rm -rf "$WORK"' EXIT
 echo "machine: $(nproc) cores, $(free -g | awk '/Mem/{print $2}') GiB"
 
-missing=""
-for p in r-cran-mass r-cran-data.table; do
-    dpkg -s "$p" >/dev/null 2>&1 || missing="$missing $p"
-done
-if [ -n "$missing" ]; then
-    apt-get install -y --no-install-recommends $missing >/dev/null
-fi
+install_peers r-cran-mass r-cran-data.table
 
 # --- agreement on iris
 cd "$WORK"

@@ -16,13 +16,8 @@ X=$DIR/bench_fft_2e20.csv
 PY=/usr/bin/python3
 mkdir -p "$DIR"
 
-missing=""
-for p in r-base-core r-cran-data.table python3-pandas python3-numpy; do
-    dpkg -s "$p" >/dev/null 2>&1 || missing="$missing $p"
-done
-if [ -n "$missing" ]; then
-    flock /tmp/apt.lock apt-get install -y --no-install-recommends $missing >/dev/null
-fi
+. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
+install_peers r-base-core r-cran-data.table python3-pandas python3-numpy
 
 # One value a line and no header, so that every cell is a number.
 if [ ! -f "$X" ]; then
@@ -37,7 +32,6 @@ fi
 cat "$X" >/dev/null  # the same warm page cache for every run
 echo "machine: $(nproc) cores, $(free -g | awk '/Mem/{print $2}') GiB, load $(cut -d' ' -f1 /proc/loadavg); $(du -m "$X" | cut -f1) MB of text; best of 3"
 
-. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
 own() {  # the real time of one fft_bench case, in seconds
     "$DIR/fft_bench" --benchmark_filter="^$1/" --benchmark_repetitions=3 \
         --benchmark_report_aggregates_only=true --benchmark_format=csv 2>/dev/null |

@@ -27,13 +27,8 @@ S=$DIR/bench_sln_1e5.csv
 PY=/usr/bin/python3
 mkdir -p "$DIR"
 
-missing=""
-for p in r-base-core r-cran-data.table r-cran-tseries r-cran-fgarch; do
-    dpkg -s "$p" >/dev/null 2>&1 || missing="$missing $p"
-done
-if [ -n "$missing" ]; then
-    flock /tmp/apt.lock apt-get install -y --no-install-recommends $missing >/dev/null
-fi
+. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
+install_peers r-base-core r-cran-data.table r-cran-tseries r-cran-fgarch
 
 # Seeded files with six decimals, as a user's file would hold them.
 $PY - "$G" "$GP" "$S" <<'PYEOF'
@@ -62,7 +57,6 @@ PYEOF
 cat "$G" "$GP" "$S" >/dev/null  # the same warm page cache for every run
 echo "machine: $(nproc) cores, $(free -g | awk '/Mem/{print $2}') GiB, load $(cut -d' ' -f1 /proc/loadavg); best of 3"
 
-. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
 own() {  # the real time of one garch_bench case, in seconds
     "$DIR/garch_bench" --benchmark_filter="^$1/" --benchmark_repetitions=3 \
         --benchmark_report_aggregates_only=true --benchmark_format=csv 2>/dev/null |

@@ -8,6 +8,7 @@
 # CI. Installs Debian's r-base-core and r-cran-data.table where missing.
 # usage: bench/k_means_vs_r.sh [BUILD_DIR]
 set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
 BUILD=${1:-build}
 FILE=$BUILD/bench/bench_cluster_1e5x10.csv
 [ -f "$FILE" ] || "$BUILD/bench/make_cluster_file" "$FILE" 100000 10 8
@@ -16,13 +17,7 @@ cat "$FILE" >/dev/null  # the same warm page cache for every run
 best() { sort -n | head -1; }
 echo "file: $(du -m "$FILE" | cut -f1) MB, $(nproc) cores, $(free -g | awk '/Mem/{print $2}') GiB"
 
-missing=""
-for p in r-base-core r-cran-data.table; do
-    dpkg -s "$p" >/dev/null 2>&1 || missing="$missing $p"
-done
-if [ -n "$missing" ]; then
-    apt-get install -y --no-install-recommends $missing >/dev/null
-fi
+install_peers r-base-core r-cran-data.table
 
 "$BUILD/zentable" call k_means_from_file "$FILE" "$NAMES" 8 36 --format csv |
     awk -F, '/^Within classes/{printf "zentable within sum %.10g\n", $2}

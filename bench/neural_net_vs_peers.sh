@@ -18,13 +18,7 @@ HERE=$(cd "$(dirname "$0")" && pwd)
 source "$HERE/peer_timing.sh"
 PY=/usr/bin/python3
 
-missing=""
-for p in r-cran-nnet python3-sklearn; do
-    dpkg -s "$p" >/dev/null 2>&1 || missing="$missing $p"
-done
-if [ -n "$missing" ]; then
-    flock /tmp/apt.lock apt-get install -y --no-install-recommends $missing >/dev/null
-fi
+install_peers r-cran-nnet python3-sklearn
 echo "machine: $(nproc) cores, $(free -g | awk '/Mem/{print $2}') GiB"
 
 WORK=$(mktemp -d)

@@ -22,13 +22,8 @@ HW=$DIR/bench_monthly_1e4.csv
 PY=/usr/bin/python3
 mkdir -p "$DIR"
 
-missing=""
-for p in r-base-core python3-statsmodels python3-pandas; do
-    dpkg -s "$p" >/dev/null 2>&1 || missing="$missing $p"
-done
-if [ -n "$missing" ]; then
-    flock /tmp/apt.lock apt-get install -y --no-install-recommends $missing >/dev/null
-fi
+. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
+install_peers r-base-core python3-statsmodels python3-pandas
 
 # Seeded series with six decimals, as a user's file would hold them.
 $PY - "$HP" "$LO" "$HW" <<'PYEOF'
@@ -63,7 +58,6 @@ cut -d, -f2 "$LO" >"$DIR/bench_lowess_y.csv"
 cat "$HP" "$LO" "$HW" >/dev/null  # the same warm page cache for every run
 echo "machine: $(nproc) cores, $(free -g | awk '/Mem/{print $2}') GiB, load $(cut -d' ' -f1 /proc/loadavg); best of 3"
 
-. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
 own() {  # the real time of one smoothing_bench case, in seconds
     "$DIR/smoothing_bench" --benchmark_filter="^$1/" --benchmark_repetitions=3 \
         --benchmark_report_aggregates_only=true --benchmark_format=csv 2>/dev/null |

@@ -23,13 +23,8 @@ WALK=$DIR/bench_walk_1e5.csv
 PY=/usr/bin/python3
 mkdir -p "$DIR"
 
-missing=""
-for p in r-base-core r-cran-data.table r-cran-tseries python3-statsmodels python3-scipy python3-pandas; do
-    dpkg -s "$p" >/dev/null 2>&1 || missing="$missing $p"
-done
-if [ -n "$missing" ]; then
-    apt-get install -y --no-install-recommends $missing >/dev/null
-fi
+. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
+install_peers r-base-core r-cran-data.table r-cran-tseries python3-statsmodels python3-scipy python3-pandas
 
 # Seeded series written with two decimals, as a user's file would hold them.
 [ -f "$AR" ] || $PY - "$AR" <<'PYEOF'
@@ -55,7 +50,6 @@ PYEOF
 cat "$AR" "$WALK" >/dev/null  # the same warm page cache for every run
 echo "machine: $(nproc) cores, $(free -g | awk '/Mem/{print $2}') GiB; best of 3 wall times"
 
-. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
 
 Z=$BUILD/zentable
 acf=$(wall "$Z" call ts_acf "@$AR" 100 --format csv)

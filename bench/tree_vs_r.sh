@@ -12,6 +12,7 @@
 #         (3 splits, 4 leaves), shrinkage 0.1, bag.fraction 1.
 # usage: bench/tree_vs_r.sh [BUILD_DIR]
 set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/peer_timing.sh"
 BUILD=${1:-build}
 CONT=$BUILD/bench/bench_tree_1e5x10.csv
 BIN=$BUILD/bench/bench_tree_binary_1e5x10.csv
@@ -22,13 +23,7 @@ cat "$CONT" "$BIN" >/dev/null  # the same warm page cache for every run
 best() { sort -n | head -1; }
 echo "files: $(du -m "$CONT" | cut -f1) MB each, $(nproc) cores, $(free -g | awk '/Mem/{print $2}') GiB"
 
-missing=""
-for p in r-cran-rpart r-cran-gbm; do
-    dpkg -s "$p" >/dev/null 2>&1 || missing="$missing $p"
-done
-if [ -n "$missing" ]; then
-    apt-get install -y --no-install-recommends $missing >/dev/null
-fi
+install_peers r-cran-rpart r-cran-gbm
 
 zentable_time() {
     for i in 1 2 3; do
