@@ -269,16 +269,11 @@ void check_shape(const NetSettings& s, const NetData& train, const NetData* test
         throw kBadAlgorithm;
 }
 
-// The target's scale has no guard: a constant target divides by zero.
 void scale_target(NeuralNetwork& net, NetData& train, NetData* test) {
     if (net.objective == "LS") {
-        double sum = 0.0, squares = 0.0;
-        for (std::size_t i = 0; i < train.y.size(); ++i) {
-            sum += train.weight[i] * train.y[i];
-            squares += train.weight[i] * train.y[i] * train.y[i];
-        }
-        net.yMean = sum / net.sumWeightTrain;
-        net.yStd = std::sqrt(squares / net.sumWeightTrain - net.yMean * net.yMean);
+        const TargetScale scale = target_scale(train.y, train.weight, net.sumWeightTrain);
+        net.yMean = scale.mean;
+        net.yStd = scale.sd;
     }
     for (NetData* d : {&train, test}) {
         if (!d)

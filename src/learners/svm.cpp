@@ -224,15 +224,10 @@ CellMatrix run_svm(const XYW& data, const SvmOptions& o) {
             for (double& y : target)
                 y = y >= 0.5 ? 1.0 : -1.0;
         } else {
-            // The target's scale has no guard: a constant target divides by zero.
-            const double w = static_cast<double>(target.size());
-            double sum = 0.0, squares = 0.0;
-            for (double y : target) {
-                sum += y;
-                squares += y * y;
-            }
-            model->yMean = sum / w;
-            model->yStd = std::sqrt(squares / w - model->yMean * model->yMean);
+            const TargetScale scale =
+                target_scale(target, ones, static_cast<double>(target.size()));
+            model->yMean = scale.mean;
+            model->yStd = scale.sd;
             for (double& y : target)
                 y = (y - model->yMean) / model->yStd;
         }

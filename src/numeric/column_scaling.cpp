@@ -50,4 +50,16 @@ void scale_columns(dmat& x, const ColumnScaling& scaling) {
             row[j] = (row[j] - scaling.mean[j]) / scaling.sd[j];
 }
 
+TargetScale target_scale(const dvec& y, const dvec& weight, double sum_weight) {
+    double sum = 0.0, squares = 0.0;
+    for (std::size_t i = 0; i < y.size(); ++i) {
+        sum += weight[i] * y[i];
+        squares += weight[i] * y[i] * y[i];
+    }
+    TargetScale out;
+    out.mean = sum / sum_weight;
+    out.sd = std::sqrt(squares / sum_weight - out.mean * out.mean);
+    return out;
+}
+
 }  // namespace zentable

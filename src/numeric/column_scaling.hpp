@@ -24,4 +24,12 @@ ColumnScaling standardize_columns(dmat& x, const dvec& weight);
 // take the training figures.
 void scale_columns(dmat& x, const ColumnScaling& scaling);
 
+// A continuous target's weighted mean and population scale (divisor
+// sum_weight). No guard: a constant target gives a scale of 0.
+struct TargetScale {
+    double mean = 0.0;
+    double sd = 0.0;
+};
+TargetScale target_scale(const dvec& y, const dvec& weight, double sum_weight);
+
 }  // namespace zentable
